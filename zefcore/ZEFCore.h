@@ -18,6 +18,15 @@
 // ---- dense solver
 
 // ---- geometry
+#include "zefcore/geometry/GeometryTolerances.h"
+#include "zefcore/geometry/GeomInfo.h"
+#include "zefcore/geometry/Det2.h"
+#include "zefcore/geometry/ZEFLine.h"
+#include "zefcore/geometry/ZEFSegment.h"
+#include "zefcore/geometry/Plane.h"
+#include "zefcore/geometry/PlaneFigureQueries.h"
+#include "zefcore/geometry/BoundingBox.h"
+#include "zefcore/geometry/BoundingBox2D.h"
 
 // ---- lifetime, identity, containers and sorting
 #include "zefcore/base/ZEFArray.h"
