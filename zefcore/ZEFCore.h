@@ -12,6 +12,15 @@
 #include "zefcore/kernel/EnhancedMathFunctions.h"
 
 // ---- scalars and vectors
+#include "zefcore/math/FloatMath.h"
+#include "zefcore/math/Tolerance.h"
+#include "zefcore/math/ScalarHelpers.h"
+#include "zefcore/math/Vector3f.h"
+#include "zefcore/math/Vector2f.h"
+#include "zefcore/math/Vector4f.h"
+#include "zefcore/math/Vector2i.h"
+#include "zefcore/math/Vector2s.h"
+#include "zefcore/math/Vector2ui.h"
 
 // ---- matrix and rotation classes
 
@@ -30,5 +39,8 @@
 
 // ---- lifetime, identity, containers and sorting
 #include "zefcore/base/ZEFArray.h"
+#include "zefcore/base/ZEFBoolArray.h"
+#include "zefcore/base/BitMgr.h"
+#include "zefcore/base/BinarySort.h"
 
 // ---- runtime services and colour

@@ -1,0 +1,571 @@
+#include "zefcore/base/ZEFBoolArray.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+
+namespace {
+
+// The five byte tables, built at compile time; "no such bit" is 8.
+enum TableKind { FirstAt0, FirstAt1, LastAt0, LastAt1, CountAt1 };
+
+struct ByteTable {
+    unsigned char entry[256];
+};
+
+constexpr ByteTable makeTable(TableKind kind) {
+    ByteTable t{};
+    for (int b = 0; b < 256; ++b) {
+        int result = 8;
+        int count = 0;
+        for (int bit = 0; bit < 8; ++bit) {
+            const bool one = ((b >> bit) & 1) != 0;
+            if (one)
+                ++count;
+            const bool wanted = (kind == FirstAt1 || kind == LastAt1) ? one : !one;
+            if (wanted && (kind == LastAt0 || kind == LastAt1 || result == 8))
+                result = bit;
+        }
+        t.entry[b] = static_cast<unsigned char>(kind == CountAt1 ? count : result);
+    }
+    return t;
+}
+
+constexpr ByteTable s_firstBitAt0 = makeTable(FirstAt0);
+constexpr ByteTable s_firstBitAt1 = makeTable(FirstAt1);
+constexpr ByteTable s_lastBitAt0 = makeTable(LastAt0);
+constexpr ByteTable s_lastBitAt1 = makeTable(LastAt1);
+constexpr ByteTable s_numBitsAt1 = makeTable(CountAt1);
+
+// The block shared by every empty array: both bytes are guards. Never written.
+unsigned char s_emptyBlock[2] = {1, 1};
+
+// Returns the number of bytes used by n >= 0 bits.
+inline std::size_t bytesFor(long long n) { return static_cast<std::size_t>((n + 7) / 8); }
+
+// Returns the mask of the bits below bit (0 to 7) of a byte.
+inline unsigned lowMask(int bit) { return (1u << bit) - 1u; }
+
+// Returns the mask of the spare bits of the last byte of n bits (0 if n & 7 is 0).
+inline unsigned spareMask(int n) { return (n & 7) ? (~lowMask(n & 7) & 0xFFu) : 0u; }
+
+inline unsigned char fillByte(bool value) { return value ? 0xFF : 0x00; }
+
+// Sets the bits of byte under mask to value.
+inline void setUnder(unsigned char &byte, unsigned mask, bool value) {
+    byte = static_cast<unsigned char>(value ? (byte | mask) : (byte & ~mask));
+}
+
+// Returns a fresh block for numBits >= 1 bits: both guards 1, data zero.
+unsigned char *newBlock(int numBits) {
+    const std::size_t bytes = bytesFor(numBits);
+    unsigned char *block = new unsigned char[bytes + 2]();
+    block[0] = 1;
+    block[bytes + 1] = 1;
+    return block;
+}
+
+// Sets the bits first to last (inclusive, first <= last) of data to value.
+void fillRange(unsigned char *data, int first, int last, bool value) {
+    const std::size_t firstByte = static_cast<std::size_t>(first / 8);
+    const std::size_t lastByte = static_cast<std::size_t>(last / 8);
+    const unsigned firstMask = ~lowMask(first & 7) & 0xFFu;
+    const unsigned lastMask = (2u << (last & 7)) - 1u;
+    if (firstByte == lastByte) {
+        setUnder(data[firstByte], firstMask & lastMask, value);
+        return;
+    }
+    setUnder(data[firstByte], firstMask, value);
+    std::memset(data + firstByte + 1, fillByte(value), lastByte - firstByte - 1);
+    setUnder(data[lastByte], lastMask, value);
+}
+
+// Sets all bits below numBits to value, spare bits untouched.
+void fillBelow(unsigned char *data, int numBits, bool value) {
+    if (numBits > 0)
+        fillRange(data, 0, numBits - 1, value);
+}
+
+// Sets indexes to the ascending indexes of the bits holding value; false if none.
+bool listIndexes(const ZEFBoolArray &array, bool value, ZEFArray<int> &indexes) {
+    const int count = value ? array.getNumberOfBitSet() : array.getNumberOfBitCleared();
+    if (count == 0) {
+        indexes.clear();
+        return false;
+    }
+    indexes.assign(count);
+    int at = -1;
+    for (int k = 0; k < count; ++k) {
+        at = array.findFirst(value, at + 1);
+        indexes[k] = at;
+    }
+    return true;
+}
+
+} // namespace
+
+// ---- storage
+
+void ZEFBoolArray::setEmpty() {
+    m_block = s_emptyBlock;
+    m_begin = s_emptyBlock + 1;
+    m_end = s_emptyBlock + 1;
+    m_numBits = 0;
+}
+
+void ZEFBoolArray::adopt(unsigned char *block, int numBits) {
+    m_block = block;
+    m_begin = block + 1;
+    m_end = m_begin + bytesFor(numBits);
+}
+
+void ZEFBoolArray::freeData() {
+    if (owns())
+        delete[] m_block;
+    setEmpty();
+}
+
+void ZEFBoolArray::makeRoomDropping(int size) {
+    if (size > capacityBits()) {
+        unsigned char *block = newBlock(size); // before the old block goes
+        freeData();
+        adopt(block, size);
+    }
+}
+
+void ZEFBoolArray::fillFrom(std::size_t firstByte, bool value) {
+    for (unsigned char *p = m_begin + firstByte; p < m_end; ++p)
+        *p = fillByte(value);
+}
+
+// ---- construction and copying
+
+ZEFBoolArray::ZEFBoolArray() { setEmpty(); }
+
+ZEFBoolArray::ZEFBoolArray(int size, bool value) {
+    setEmpty();
+    assign(size, value);
+}
+
+ZEFBoolArray::ZEFBoolArray(const ZEFBoolArray &source) {
+    setEmpty();
+    copy(source, false);
+}
+
+ZEFBoolArray::~ZEFBoolArray() { freeData(); }
+
+const ZEFBoolArray ZEFBoolArray::operator=(const ZEFBoolArray &source) {
+    copy(source, false);
+    return *this;
+}
+
+void ZEFBoolArray::copy(const ZEFBoolArray &source, bool fill) {
+    const int n = source.m_numBits;
+    makeRoomDropping(n); // source is not this array when it reallocates
+    m_numBits = n;
+    const std::size_t used = bytesFor(n);
+    if (used != 0 && m_begin != source.m_begin)
+        std::memcpy(m_begin, source.m_begin, used);
+    if (n & 7)
+        setUnder(m_begin[used - 1], spareMask(n), fill);
+    fillFrom(used, fill);
+}
+
+void ZEFBoolArray::swap(ZEFBoolArray &other) {
+    std::swap(m_block, other.m_block);
+    std::swap(m_begin, other.m_begin);
+    std::swap(m_end, other.m_end);
+    std::swap(m_numBits, other.m_numBits);
+}
+
+void ZEFBoolArray::clearArray() { freeData(); }
+
+bool ZEFBoolArray::operator==(const ZEFBoolArray &other) const {
+    if (m_numBits != other.m_numBits)
+        return false;
+    const std::size_t whole = static_cast<std::size_t>(m_numBits / 8);
+    if (whole != 0 && std::memcmp(m_begin, other.m_begin, whole) != 0)
+        return false;
+    if ((m_numBits & 7) == 0)
+        return true;
+    return ((m_begin[whole] ^ other.m_begin[whole]) & lowMask(m_numBits & 7)) == 0;
+}
+
+// ---- size and whole-array assignment
+
+void ZEFBoolArray::assign(int size, bool value) {
+    if (size < 0)
+        size = 0;
+    makeRoomDropping(size);
+    m_numBits = size;
+    fillFrom(0, value);
+}
+
+void ZEFBoolArray::assign(int size, const char *bytes) {
+    if (size < 0)
+        size = 0;
+    const std::size_t used = bytesFor(size);
+    if (size > capacityBits()) {
+        // Copied before the old block goes, so bytes may point into it.
+        unsigned char *block = newBlock(size);
+        std::memcpy(block + 1, bytes, used);
+        freeData();
+        adopt(block, size);
+    } else if (used != 0) {
+        std::memmove(m_begin, bytes, used);
+    }
+    m_numBits = size;
+}
+
+void ZEFBoolArray::assign(int count, const int *indexes, int size) {
+    if (size == -1) {
+        set(count, indexes);
+        return;
+    }
+    assign(size, false);
+    for (int i = 0; i < count; ++i)
+        set(indexes[i]);
+}
+
+void ZEFBoolArray::resize(int size, bool value) {
+    if (size < 0)
+        size = 0;
+    const int oldBits = m_numBits;
+    const std::size_t oldBytes = bytesFor(oldBits);
+    const std::size_t newBytes = bytesFor(size);
+    const unsigned spare = spareMask(oldBits);
+    if (size > capacityBits()) {
+        unsigned char *block = newBlock(size);
+        unsigned char *data = block + 1;
+        if (oldBytes != 0)
+            std::memcpy(data, m_begin, oldBytes);
+        std::memset(data + oldBytes, fillByte(value), newBytes - oldBytes);
+        if (spare != 0)
+            setUnder(data[oldBytes - 1], spare, value);
+        freeData();
+        adopt(block, size);
+        m_numBits = size;
+        return;
+    }
+    if (!owns())
+        return; // size is 0 here: nothing to do on the shared block
+    fillFrom(std::min(oldBytes, newBytes), value);
+    if (spare != 0)
+        setUnder(m_begin[oldBytes - 1], spare, value);
+    m_numBits = size;
+}
+
+// ---- bit access
+
+bool ZEFBoolArray::get(int index) const {
+    return static_cast<unsigned>(index) < static_cast<unsigned>(m_numBits) && getNoSizeTest(index);
+}
+
+bool ZEFBoolArray::getNoSizeTest(int index) const { return ((m_begin[index / 8] >> (index & 7)) & 1) != 0; }
+
+int ZEFBoolArray::getAsMask(int index) const { return m_begin[index / 8] & (1 << (index & 7)); }
+
+void ZEFBoolArray::set(int index) { setUnder(m_begin[index / 8], 1u << (index & 7), true); }
+
+void ZEFBoolArray::clear(int index) { setUnder(m_begin[index / 8], 1u << (index & 7), false); }
+
+void ZEFBoolArray::toggle(int index) {
+    m_begin[index / 8] = static_cast<unsigned char>(m_begin[index / 8] ^ (1u << (index & 7)));
+}
+
+void ZEFBoolArray::setAutoResize(int index) {
+    if (index == INT_MAX)
+        return;
+    if (index >= m_numBits)
+        resize(index + 1, false);
+    set(index);
+}
+
+void ZEFBoolArray::clearAutoResize(int index) {
+    if (index == INT_MAX)
+        return;
+    if (index >= m_numBits)
+        resize(index + 1, false);
+    clear(index);
+}
+
+void ZEFBoolArray::toggleAutoResize(int index) {
+    if (index == INT_MAX)
+        return;
+    if (index >= m_numBits)
+        resize(index + 1, false);
+    toggle(index);
+}
+
+void ZEFBoolArray::changeRange(int index, int count, bool value) {
+    if (index < 0)
+        return;
+    if (count < 1)
+        count = 1;
+    const long long end = static_cast<long long>(index) + count;
+    if (end > INT_MAX)
+        return;
+    if (end > m_numBits)
+        resize(static_cast<int>(end), false);
+    fillRange(m_begin, index, static_cast<int>(end - 1), value);
+}
+
+void ZEFBoolArray::set(int index, int count) { changeRange(index, count, true); }
+
+void ZEFBoolArray::clear(int index, int count) { changeRange(index, count, false); }
+
+void ZEFBoolArray::changeList(int count, const int *indexes, bool value) {
+    if (count < 1)
+        return;
+    const int largest = *std::max_element(indexes, indexes + count);
+    if (largest == INT_MAX)
+        return;
+    if (largest >= m_numBits)
+        resize(largest + 1, false);
+    for (int i = 0; i < count; ++i) {
+        if (indexes[i] >= 0)
+            setUnder(m_begin[indexes[i] / 8], 1u << (indexes[i] & 7), value);
+    }
+}
+
+void ZEFBoolArray::set(int count, const int *indexes) { changeList(count, indexes, true); }
+
+void ZEFBoolArray::clear(int count, const int *indexes) { changeList(count, indexes, false); }
+
+void ZEFBoolArray::set(const ZEFArray<int> &indexes) {
+    if (indexes.size() > 0)
+        set(indexes.size(), indexes.begin());
+}
+
+void ZEFBoolArray::setAll() { fillBelow(m_begin, m_numBits, true); }
+
+void ZEFBoolArray::clearAll() { fillBelow(m_begin, m_numBits, false); }
+
+void ZEFBoolArray::inverse() {
+    const std::size_t whole = static_cast<std::size_t>(m_numBits / 8);
+    for (std::size_t i = 0; i < whole; ++i)
+        m_begin[i] = static_cast<unsigned char>(~m_begin[i]);
+    if (m_numBits & 7)
+        m_begin[whole] = static_cast<unsigned char>(m_begin[whole] ^ lowMask(m_numBits & 7));
+}
+
+void ZEFBoolArray::toggleAll() {
+    if (m_numBits == 0)
+        return;
+    for (unsigned char *p = m_begin; p < m_end; ++p)
+        *p = static_cast<unsigned char>(~*p);
+}
+
+// ---- algebra with a second array
+
+template <class Op>
+void ZEFBoolArray::combine(const ZEFBoolArray &other, Op op) {
+    const int o = other.m_numBits;
+    if (o == 0)
+        return;
+    const int n = m_numBits;
+    const int smaller = std::min(n, o);
+    const int larger = std::max(n, o);
+    const unsigned char *longer = n >= o ? m_begin : other.m_begin;
+    const unsigned char *shorter = n >= o ? other.m_begin : m_begin;
+    // The old block stays until the end: it may be either operand.
+    unsigned char *block = nullptr;
+    unsigned char *out = m_begin;
+    if (o > capacityBits()) {
+        block = newBlock(o);
+        out = block + 1;
+    }
+    const std::size_t whole = static_cast<std::size_t>(smaller / 8);
+    for (std::size_t i = 0; i < whole; ++i)
+        out[i] = static_cast<unsigned char>(op(m_begin[i], other.m_begin[i]));
+    std::size_t next = whole;
+    if (smaller & 7) {
+        // The shorter operand's spare bits do not count.
+        out[whole] = static_cast<unsigned char>(op(longer[whole], shorter[whole] & lowMask(smaller & 7)));
+        next = whole + 1;
+    }
+    const std::size_t used = bytesFor(larger);
+    if (out != longer && used > next)
+        std::memcpy(out + next, longer + next, used - next);
+    if (block != nullptr) {
+        freeData();
+        adopt(block, o);
+    }
+    m_numBits = larger;
+}
+
+void ZEFBoolArray::set(const ZEFBoolArray &other) {
+    combine(other, [](unsigned a, unsigned b) { return a | b; });
+}
+
+void ZEFBoolArray::toggle(const ZEFBoolArray &other) {
+    combine(other, [](unsigned a, unsigned b) { return a ^ b; });
+}
+
+void ZEFBoolArray::clear(const ZEFBoolArray &other) {
+    const int smaller = std::min(m_numBits, other.m_numBits);
+    const std::size_t whole = static_cast<std::size_t>(smaller / 8);
+    for (std::size_t i = 0; i < whole; ++i)
+        m_begin[i] = static_cast<unsigned char>(m_begin[i] & ~other.m_begin[i]);
+    if (smaller & 7) {
+        const unsigned drop = other.m_begin[whole] & lowMask(smaller & 7);
+        m_begin[whole] = static_cast<unsigned char>(m_begin[whole] & ~drop);
+    }
+}
+
+void ZEFBoolArray::inter(const ZEFBoolArray &other) {
+    if (m_numBits == 0)
+        return;
+    if (other.m_numBits == 0) {
+        m_numBits = 0;
+        *m_begin = 1; // an owned block: this array was not empty
+        return;
+    }
+    const int smaller = std::min(m_numBits, other.m_numBits);
+    const std::size_t whole = static_cast<std::size_t>(smaller / 8);
+    for (std::size_t i = 0; i < whole; ++i)
+        m_begin[i] = static_cast<unsigned char>(m_begin[i] & other.m_begin[i]);
+    if (smaller & 7)
+        m_begin[whole] = static_cast<unsigned char>(m_begin[whole] & other.m_begin[whole] & lowMask(smaller & 7));
+    m_numBits = smaller;
+    unsigned char *after = m_begin + bytesFor(smaller);
+    if (after <= m_end)
+        *after = 1;
+}
+
+bool ZEFBoolArray::hasInter(const ZEFBoolArray &other) const {
+    ZEFBoolArray common(*this);
+    common.inter(other);
+    return common.findFirst(true, 0) != -1;
+}
+
+bool ZEFBoolArray::bitTest(const ZEFBoolArray &other) const {
+    const int n = other.findLast(true) + 1;
+    if (n == 0)
+        return true;
+    if (n > m_numBits)
+        return false;
+    const std::size_t whole = static_cast<std::size_t>(n / 8);
+    for (std::size_t i = 0; i < whole; ++i) {
+        if ((other.m_begin[i] & ~m_begin[i]) != 0)
+            return false;
+    }
+    if (n & 7)
+        return (other.m_begin[whole] & ~m_begin[whole] & lowMask(n & 7)) == 0;
+    return true;
+}
+
+// ---- counting, searching, listing
+
+int ZEFBoolArray::getNumberOfBitSet() const {
+    const std::size_t whole = static_cast<std::size_t>(m_numBits / 8);
+    int count = 0;
+    for (std::size_t i = 0; i < whole; ++i)
+        count += s_numBitsAt1.entry[m_begin[i]];
+    if (m_numBits & 7)
+        count += s_numBitsAt1.entry[m_begin[whole] & lowMask(m_numBits & 7)];
+    return count;
+}
+
+int ZEFBoolArray::getNumberOfBitCleared() const { return m_numBits - getNumberOfBitSet(); }
+
+int ZEFBoolArray::findFirst(bool value, int start) const {
+    if (start >= m_numBits)
+        return -1;
+    if (start < 0)
+        start = 0;
+    const unsigned char *p = m_begin + start / 8;
+    long long base = start & ~7;
+    const unsigned below = lowMask(start & 7);
+    long long candidate;
+    if (value) {
+        unsigned b = *p & ~below & 0xFFu;
+        while (b == 0x00) { // the upper guard (1) stops the loop
+            b = *++p;
+            base += 8;
+        }
+        candidate = base | s_firstBitAt1.entry[b];
+    } else {
+        unsigned b = *p | below;
+        while (b == 0xFF) { // the upper guard (1) stops the loop
+            b = *++p;
+            base += 8;
+        }
+        candidate = base | s_firstBitAt0.entry[b];
+    }
+    // Also rejects a stop at the guard and a hit on a spare bit.
+    return candidate < m_numBits ? static_cast<int>(candidate) : -1;
+}
+
+int ZEFBoolArray::findLast(bool value, int start) const {
+    if (start < 0 || m_numBits == 0)
+        return -1;
+    if (start >= m_numBits)
+        start = m_numBits - 1;
+    const unsigned char *p = m_begin + start / 8;
+    int base = start & ~7;
+    const unsigned above = (0xFEu << (start & 7)) & 0xFFu;
+    if (value) {
+        unsigned b = *p & ~above;
+        while (b == 0x00) { // the lower guard (1) stops the loop
+            b = *--p;
+            base -= 8;
+        }
+        return base < 0 ? -1 : (base | s_lastBitAt1.entry[b]);
+    }
+    unsigned b = *p | above;
+    while (b == 0xFF) { // the lower guard (1) stops the loop
+        b = *--p;
+        base -= 8;
+    }
+    return base < 0 ? -1 : (base | s_lastBitAt0.entry[b]);
+}
+
+bool ZEFBoolArray::getIndexesSet(ZEFArray<int> &indexes) const { return listIndexes(*this, true, indexes); }
+
+bool ZEFBoolArray::getIndexesCleared(ZEFArray<int> &indexes) const { return listIndexes(*this, false, indexes); }
+
+void ZEFBoolArray::insert(int index, bool value) {
+    if (index < 0 || index >= m_numBits || m_numBits == INT_MAX)
+        return;
+    resize(m_numBits + 1, false);
+    const std::size_t at = static_cast<std::size_t>(index / 8);
+    const std::size_t last = bytesFor(m_numBits) - 1;
+    unsigned carry = m_begin[at] >> 7;
+    for (std::size_t i = at + 1; i <= last; ++i) {
+        const unsigned b = m_begin[i];
+        m_begin[i] = static_cast<unsigned char>((b << 1) | carry);
+        carry = b >> 7;
+    }
+    const int bit = index & 7;
+    const unsigned b = m_begin[at];
+    const unsigned kept = b & lowMask(bit);
+    const unsigned moved = (b << 1) & ~((2u << bit) - 1u) & 0xFFu;
+    m_begin[at] = static_cast<unsigned char>(kept | moved | (value ? (1u << bit) : 0u));
+}
+
+void ZEFBoolArray::erase(int index) {
+    if (index < 0 || index >= m_numBits)
+        return;
+    for (int i = index + 1; i < m_numBits; ++i) {
+        if (getNoSizeTest(i))
+            set(i - 1);
+        else
+            clear(i - 1);
+    }
+    --m_numBits;
+}
+
+// ---- byte functions
+
+int ZEFBoolArray::getNumBitsAt1(unsigned char b) { return s_numBitsAt1.entry[b]; }
+
+int ZEFBoolArray::getNumBitsAt0(unsigned char b) { return 8 - s_numBitsAt1.entry[b]; }
+
+int ZEFBoolArray::getFirstBitAt0(unsigned char b) { return s_firstBitAt0.entry[b]; }
+
+int ZEFBoolArray::getFirstBitAt1(unsigned char b) { return s_firstBitAt1.entry[b]; }
+
+int ZEFBoolArray::getLastBitAt0(unsigned char b) { return s_lastBitAt0.entry[b]; }
+
+int ZEFBoolArray::getLastBitAt1(unsigned char b) { return s_lastBitAt1.entry[b]; }
