@@ -38,6 +38,14 @@
 #include "zefcore/geometry/BoundingBox2D.h"
 
 // ---- lifetime, identity, containers and sorting
+#include "zefcore/base/MultiRefObject.h"
+#include "zefcore/base/CountedPtrBase.h"
+#include "zefcore/base/AutoRefUnref.h"
+#include "zefcore/base/AutoUnref.h"
+#include "zefcore/base/IDGenerator.h"
+#include "zefcore/base/ZEFKey.h"
+#include "zefcore/base/ZEFKeyArray.h"
+#include "zefcore/base/ZEFPtrDList.h"
 #include "zefcore/base/ZEFArray.h"
 #include "zefcore/base/ZEFBoolArray.h"
 #include "zefcore/base/BitMgr.h"

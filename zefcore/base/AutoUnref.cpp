@@ -1,0 +1,17 @@
+#include "zefcore/base/AutoUnref.h"
+
+AutoUnref::AutoUnref(const MultiRefObject *object, e_deleteMode mode) : m_object(object), m_mode(mode) {
+    if (!object)
+        return;
+    if (mode == e_autoDelete)
+        m_mode = object->m_refCount != 0 ? e_delete : e_noDelete;
+}
+
+AutoUnref::~AutoUnref() {
+    if (!m_object)
+        return;
+    if (m_mode == e_noDelete)
+        m_object->unrefNoDelete();
+    else if (m_mode == e_delete)
+        m_object->unref();
+}
