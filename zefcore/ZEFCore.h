@@ -25,6 +25,7 @@
 // ---- matrix and rotation classes
 
 // ---- dense solver
+#include "zefcore/math/LUDecomp.h"
 
 // ---- geometry
 #include "zefcore/geometry/GeometryTolerances.h"

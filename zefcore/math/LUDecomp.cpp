@@ -1,0 +1,332 @@
+// The dense solver: two-plane elimination, the two back substitutions and the
+// column-pivoted inverse. All matrix arithmetic is double, stored as double.
+#include "zefcore/math/LUDecomp.h"
+
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+namespace {
+
+// An elimination pivot is usable when its magnitude is at least this (NaN is usable).
+constexpr double kPivotMin = 0.0001;
+// After elimination a diagonal element below this makes the system singular.
+constexpr double kFinalDiagonalMin = 0.00001;
+// Back substitution refuses a diagonal element below this, in every row above the last.
+constexpr double kSolveDiagonalMin = 0.0001;
+// The inverse takes a column pivot only if its magnitude is strictly greater than this.
+constexpr double kInversePivotMin = 0.000001;
+
+// Returns the flat index of row, col in a matrix of n columns, without int overflow.
+inline std::ptrdiff_t at(int row, int col, int n) { return std::ptrdiff_t(row) * n + col; }
+
+// Returns buffer resized by realloc to count elements. Throws std::bad_alloc, the
+// buffer left valid and untouched, if the size overflows or realloc fails.
+template <class T>
+T *growBuffer(T *buffer, std::size_t count) {
+    if (count > SIZE_MAX / sizeof(T))
+        throw std::bad_alloc();
+    void *grown = std::realloc(buffer, count * sizeof(T));
+    if (!grown)
+        throw std::bad_alloc();
+    return static_cast<T *>(grown);
+}
+
+// Returns the element count of two planes of an n * n matrix; throws std::bad_alloc
+// if it cannot be represented.
+std::size_t twoMatrixPlanes(int n) {
+    const std::size_t nn = std::size_t(n) * std::size_t(n); // n <= INT_MAX: no overflow
+    if (nn > SIZE_MAX / 2)
+        throw std::bad_alloc();
+    return 2 * nn;
+}
+
+// The right-hand side rules of the elimination, by element type.
+void swapRhs(double *f, int k, int r, int n) { LUDecomp::Permut_lignes(f, n, 1, k, r, 0); }
+void swapRhs(POINT3D *f, int k, int r, int) { LUDecomp::Permut_POINT3D(f, k, r); }
+
+double eliminatedRhs(double fi, double fk, double c) { return fi - c * fk; }
+POINT3D eliminatedRhs(const POINT3D &fi, const POINT3D &fk, double c) {
+    // Each component is rounded to float where it is stored.
+    const float x = float(double(fi.x) - c * double(fk.x));
+    const float y = float(double(fi.y) - c * double(fk.y));
+    const float z = float(double(fi.z) - c * double(fk.z));
+    return POINT3D{x, y, z};
+}
+
+// Eliminates the system held in plane 0 of planes/rhs (n * n and n elements per
+// plane, packed with stride n), and copies the triangular form to a and b.
+template <class Rhs>
+void eliminate(double *planes, Rhs *rhs, double *a, Rhs *b, int n) {
+    const std::size_t nn = std::size_t(n) * std::size_t(n);
+    double *P[2] = {planes, planes + nn};
+    Rhs *F[2] = {rhs, rhs + n};
+    std::memcpy(P[0], a, nn * sizeof(double));
+    std::memcpy(F[0], b, std::size_t(n) * sizeof(Rhs));
+    int cur = 0;
+    int next = 1;
+    for (int k = 0; k + 1 < n; ++k) {
+        double *pc = P[cur];
+        double *pn = P[next];
+        double p = pc[at(k, k, n)];
+        int r = 0;
+        if (std::fabs(p) < kPivotMin) {
+            // The first row large enough, not the largest; !(x < min) lets NaN through.
+            r = k + 1;
+            while (r < n && std::fabs(pc[at(r, k, n)]) < kPivotMin)
+                ++r;
+            if (r < n) {
+                LUDecomp::Permut_lignes(pc, n, n, k, r, k);
+                swapRhs(F[cur], k, r, n);
+                p = pc[at(k, k, n)];
+            }
+        }
+        std::memcpy(pn, pc, nn * sizeof(double));
+        std::memcpy(F[next], F[cur], std::size_t(n) * sizeof(Rhs));
+        if (r < n) {
+            for (int i = k + 1; i < n; ++i) {
+                const double c = pc[at(i, k, n)] / p;
+                for (int j = k + 1; j < n; ++j)
+                    pn[at(i, j, n)] = pc[at(i, j, n)] - c * pc[at(k, j, n)];
+                pn[at(i, k, n)] = 0.0;
+                F[next][i] = eliminatedRhs(F[cur][i], F[cur][k], c);
+            }
+        } else {
+            // No usable pivot: the small elements below the diagonal are dropped.
+            for (int i = k + 1; i < n; ++i)
+                pn[at(i, k, n)] = 0.0;
+        }
+        cur = next;
+        next = 1 - cur;
+    }
+    std::memcpy(a, P[cur], nn * sizeof(double));
+    std::memcpy(b, F[cur], std::size_t(n) * sizeof(Rhs));
+}
+
+// Sets column j of m to column j minus q times column k, over all n rows.
+void subtractColumn(double *m, int n, int j, int k, double q) {
+    for (int i = 0; i < n; ++i)
+        m[at(i, j, n)] -= m[at(i, k, n)] * q;
+}
+
+} // namespace
+
+double *LUDecomp::__ligne = nullptr;
+double *LUDecomp::__New_mat = nullptr;
+double *LUDecomp::__New_FLOAT = nullptr;
+double *LUDecomp::__New_pmat = nullptr;
+POINT3D *LUDecomp::__New_POINT3D = nullptr;
+double *LUDecomp::__Coeff = nullptr;
+int LUDecomp::__lignem = 0;
+int LUDecomp::__triangn = 0;
+int LUDecomp::__ptriangn = 0;
+int LUDecomp::__resoudn = 0;
+
+POINT3D Div3D(const POINT3D *p, double d) {
+    const float x = float(double(p->x) / d);
+    const float y = float(double(p->y) / d);
+    const float z = float(double(p->z) / d);
+    return POINT3D{x, y, z};
+}
+
+void LUDecomp::Permut_lignes(double *m, int /*rows*/, int cols, int i, int j, int first) {
+    if (i == j)
+        return;
+    if (__lignem < cols) {
+        __ligne = growBuffer(__ligne, std::size_t(cols));
+        __lignem = cols;
+    }
+    double *rowI = m + std::ptrdiff_t(i) * cols;
+    double *rowJ = m + std::ptrdiff_t(j) * cols;
+    for (int c = first; c < cols; ++c) {
+        __ligne[c] = rowI[c];
+        rowI[c] = rowJ[c];
+    }
+    for (int c = first; c < cols; ++c)
+        rowJ[c] = __ligne[c];
+}
+
+void LUDecomp::Permut_POINT3D(POINT3D *p, int i, int j) {
+    const POINT3D saved = p[i];
+    p[i] = p[j];
+    p[j] = saved;
+}
+
+bool LUDecomp::Triangularise_matrice(double *a, double *b, int n) {
+    if (__triangn < n) {
+        // The capacity moves only once both buffers have grown.
+        __New_mat = growBuffer(__New_mat, twoMatrixPlanes(n));
+        __New_FLOAT = growBuffer(__New_FLOAT, 2 * std::size_t(n));
+        __triangn = n;
+    }
+    if (n < 1)
+        return true;
+    eliminate(__New_mat, __New_FLOAT, a, b, n);
+    for (int i = 0; i < n; ++i) {
+        if (std::fabs(a[at(i, i, n)]) < kFinalDiagonalMin)
+            return false;
+    }
+    return true;
+}
+
+void LUDecomp::Triangularise_Pmatrice(double *a, POINT3D *b, int n) {
+    if (__ptriangn < n) {
+        __New_pmat = growBuffer(__New_pmat, twoMatrixPlanes(n));
+        __New_POINT3D = growBuffer(__New_POINT3D, 2 * std::size_t(n));
+        __ptriangn = n;
+    }
+    if (n < 1)
+        return;
+    eliminate(__New_pmat, __New_POINT3D, a, b, n);
+}
+
+double *LUDecomp::Resoud_matrice(const double *a, const double *b, int n, bool *ok) {
+    if (__resoudn < n) {
+        __Coeff = growBuffer(__Coeff, std::size_t(n));
+        __resoudn = n;
+    }
+    if (n < 1) {
+        if (ok)
+            *ok = false;
+        return __Coeff;
+    }
+    if (ok)
+        *ok = true;
+    double *x = __Coeff;
+    // The last row is divided without test: a zero gives an infinity or a NaN.
+    x[n - 1] = b[n - 1] / a[std::ptrdiff_t(n) * n - 1];
+    for (int i = n - 2; i >= 0; --i) {
+        double s = 0.0;
+        for (int j = i + 1; j < n; ++j)
+            s += a[at(i, j, n)] * x[j];
+        const double d = a[at(i, i, n)];
+        if (std::fabs(d) < kSolveDiagonalMin) {
+            if (ok)
+                *ok = false;
+            return __Coeff;
+        }
+        x[i] = (b[i] - s) / d;
+    }
+    return __Coeff;
+}
+
+POINT3D *LUDecomp::Resoud_Pmatrice(const double *a, const POINT3D *b, int n, bool *ok) {
+    if (n < 1) {
+        if (ok)
+            *ok = false;
+        return nullptr;
+    }
+    if (ok)
+        *ok = true;
+    POINT3D *x = static_cast<POINT3D *>(std::calloc(std::size_t(n), sizeof(POINT3D)));
+    if (!x)
+        throw std::bad_alloc();
+    const double last = a[std::ptrdiff_t(n) * n - 1];
+    if (last == 0.0) { // exact zero test: the rows above use the tolerance instead
+        if (ok)
+            *ok = false;
+        return x;
+    }
+    x[n - 1] = Div3D(&b[n - 1], last);
+    for (int i = n - 2; i >= 0; --i) {
+        float sx = 0.0f;
+        float sy = 0.0f;
+        float sz = 0.0f;
+        for (int j = i + 1; j < n; ++j) {
+            const double aij = a[at(i, j, n)];
+            const float px = float(aij * double(x[j].x));
+            const float py = float(aij * double(x[j].y));
+            const float pz = float(aij * double(x[j].z));
+            sx = float(double(sx) + double(px));
+            sy = float(double(sy) + double(py));
+            sz = float(double(sz) + double(pz));
+        }
+        const double d = a[at(i, i, n)];
+        if (std::fabs(d) < kSolveDiagonalMin) {
+            if (ok)
+                *ok = false;
+            return x;
+        }
+        const float xx = float((double(b[i].x) - double(sx)) / d);
+        const float xy = float((double(b[i].y) - double(sy)) / d);
+        const float xz = float((double(b[i].z) - double(sz)) / d);
+        x[i] = POINT3D{xx, xy, xz};
+    }
+    return x;
+}
+
+double *LUDecomp::Inverse_Matrix(double *a, int n) {
+    if (n < 0)
+        return nullptr;
+    const std::size_t nn = std::size_t(n) * std::size_t(n);
+    double *e = new double[nn];
+    for (std::size_t q = 0; q < nn; ++q)
+        e[q] = 0.0;
+    for (int i = 0; i < n; ++i)
+        e[at(i, i, n)] = 1.0;
+
+    for (int k = 0; k < n; ++k) {
+        // Largest |a[k][c]| strictly above the bound, the earliest of equals; never NaN.
+        int pivot = -1;
+        double best = kInversePivotMin;
+        for (int c = k; c < n; ++c) {
+            const double v = std::fabs(a[at(k, c, n)]);
+            if (v > best) {
+                best = v;
+                pivot = c;
+            }
+        }
+        if (pivot < 0) {
+            delete[] e;
+            return nullptr;
+        }
+        if (pivot != k) {
+            for (int i = 0; i < n; ++i) {
+                double t = a[at(i, k, n)];
+                a[at(i, k, n)] = a[at(i, pivot, n)];
+                a[at(i, pivot, n)] = t;
+                t = e[at(i, k, n)];
+                e[at(i, k, n)] = e[at(i, pivot, n)];
+                e[at(i, pivot, n)] = t;
+            }
+        }
+        for (int j = k + 1; j < n; ++j) {
+            const double q = a[at(k, j, n)] / a[at(k, k, n)];
+            subtractColumn(a, n, j, k, q);
+            subtractColumn(e, n, j, k, q);
+        }
+    }
+    for (int k = n - 1; k >= 0; --k) {
+        for (int j = k - 1; j >= 0; --j) {
+            const double q = a[at(k, j, n)] / a[at(k, k, n)];
+            subtractColumn(a, n, j, k, q);
+            subtractColumn(e, n, j, k, q);
+        }
+    }
+    for (int i = 0; i < n; ++i) {
+        for (int j = 0; j < n; ++j)
+            e[at(i, j, n)] /= a[at(j, j, n)];
+    }
+    return e;
+}
+
+void LUDecomp::trashRESNUM() {
+    std::free(__ligne);
+    std::free(__New_mat);
+    std::free(__New_pmat);
+    std::free(__New_POINT3D);
+    std::free(__New_FLOAT);
+    std::free(__Coeff);
+    __ligne = nullptr;
+    __New_mat = nullptr;
+    __New_pmat = nullptr;
+    __New_POINT3D = nullptr;
+    __New_FLOAT = nullptr;
+    __Coeff = nullptr;
+    __lignem = 0;
+    __triangn = 0;
+    __ptriangn = 0;
+    __resoudn = 0;
+}
