@@ -23,6 +23,8 @@
 #include "zefcore/math/Vector2ui.h"
 
 // ---- matrix and rotation classes
+#include "zefcore/math/Mat4fBase.h"
+#include "zefcore/math/Matrix4f.h"
 
 // ---- dense solver
 #include "zefcore/math/LUDecomp.h"
