@@ -55,3 +55,9 @@
 #include "zefcore/base/BinarySort.h"
 
 // ---- runtime services and colour
+#include "zefcore/base/ZEFTimer.h"
+#include "zefcore/base/ZEFExit.h"
+#include "zefcore/base/ZEFDebugFile.h"
+#include "zefcore/base/ZEFActivityMgr.h"
+#include "zefcore/base/ZEFOSVersion.h"
+#include "zefcore/base/ZEFString.h"
