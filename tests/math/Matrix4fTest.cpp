@@ -1,0 +1,198 @@
+#include "zefcore/math/Matrix4f.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <vector>
+
+namespace {
+
+Matrix4f randomMatrix(std::mt19937 &rng) {
+    std::uniform_real_distribution<float> d(-3.0f, 3.0f);
+    Matrix4f m;
+    for (int i = 0; i < 16; ++i)
+        m.getValue()[i] = d(rng);
+    return m;
+}
+
+// a * b summed in double in the kernel's order, each element rounded once.
+Matrix4f reference(const Mat4fBase &a, const Mat4fBase &b) {
+    const float *x = a.getValue();
+    const float *y = b.getValue();
+    Matrix4f out;
+    for (int i = 0; i < 16; ++i) {
+        int const c = i / 4, r = i % 4;
+        out.getValue()[i] = float(double(x[r]) * y[4 * c] + double(x[4 + r]) * y[4 * c + 1] +
+                                  double(x[8 + r]) * y[4 * c + 2] + double(x[12 + r]) * y[4 * c + 3]);
+    }
+    return out;
+}
+
+bool sameBits(const void *a, const void *b, size_t n) { return std::memcmp(a, b, n) == 0; }
+bool sameBits(const Mat4fBase &a, const Mat4fBase &b) { return sameBits(a.getValue(), b.getValue(), 64); }
+
+// What the matrix classes hand to the kernel; static, as the kernel owns itself once installed.
+int g_products = 0;
+const float *g_out = nullptr, *g_a = nullptr, *g_b = nullptr;
+std::vector<Vector4f> g_vec4;
+bool g_destroyed = false;
+
+class RecordingKernel : public EnhancedMathFunctions {
+public:
+    void multMatrices(float *const o, float const *const a, float const *const b) const override {
+        ++g_products, g_out = o, g_a = a, g_b = b;
+        EnhancedMathFunctions::multMatrices(o, a, b);
+    }
+    void multMatrixVec4f(float *const o, float const *const m, float const *const v) const override {
+        g_vec4.emplace_back(v);
+        EnhancedMathFunctions::multMatrixVec4f(o, m, v);
+    }
+
+protected:
+    ~RecordingKernel() override { g_destroyed = true; }
+};
+
+} // namespace
+
+TEST(Mat4fBase, IdentityInitialisersAndEquals) {
+    for (int i = 0; i < 16; ++i) {
+        float const one = (i % 5 == 0) ? 1.0f : 0.0f;
+        EXPECT_EQ(Mat4fBase::m_identity.getValue()[i], one);
+        EXPECT_TRUE(Mat4fBase().getValue()[i] == one && Matrix4f(7).getValue()[i] == one);
+        EXPECT_TRUE(Matrix4f(1).getValue()[i] == one && Matrix4f(0).getValue()[i] == 0.0f);
+    }
+    Matrix4f a;
+    Matrix4f b;
+    constexpr float kTolerance = 0.25f;
+    b.getValue()[9] = kTolerance; // exactly on the bound: passes
+    EXPECT_TRUE(a.equals(b, kTolerance));
+    b.getValue()[9] = std::nextafter(kTolerance, 1.0f);
+    EXPECT_FALSE(a.equals(b, kTolerance) || b.equals(a, kTolerance));
+    EXPECT_TRUE(a.equals(a, 0.0f));
+    // 1 - (-2^-30) exceeds 1 in double but the difference is rounded to float first.
+    b = a;
+    b.getValue()[3] = -std::ldexp(1.0f, -30);
+    a.getValue()[3] = 1.0f;
+    EXPECT_TRUE(a.equals(b, 1.0f));
+    EXPECT_FALSE(a.equals(b, std::nextafter(1.0f, 0.0f)));
+    // A NaN passes whatever the tolerance; a later real difference still fails.
+    b = a;
+    b.getValue()[0] = std::numeric_limits<float>::quiet_NaN();
+    EXPECT_TRUE(a.equals(b, 0.0f));
+    b.getValue()[15] = 2.0f;
+    EXPECT_FALSE(a.equals(b, 0.5f));
+}
+
+TEST(Matrix4f, ProductsAndElementWiseBitForBit) {
+    std::mt19937 rng(1234u);
+    for (int trial = 0; trial < 100; ++trial) {
+        Matrix4f const x = randomMatrix(rng);
+        Matrix4f const m = randomMatrix(rng);
+        Matrix4f left = m, right = m, star = m, self = m, self2 = m;
+        left.multLeftBy(x);
+        right.multRightBy(x);
+        EXPECT_EQ(&(star *= x), &star);
+        self.multLeftBy(self); // the receiver as its own argument squares it
+        self2 *= self2;
+        ASSERT_TRUE(sameBits(left, reference(x, m)) && sameBits(right, reference(m, x)));
+        ASSERT_TRUE(sameBits(star, reference(m, x)) && sameBits(m * x, reference(m, x)));
+        ASSERT_TRUE(sameBits(self, reference(m, m)) && sameBits(self2, reference(m, m)));
+
+        Matrix4f const sum = m + x, diff = m - x, scaled = 0.3f * m;
+        Matrix4f neg = m, mag = m, tr = m, out(0), selfT = m;
+        EXPECT_EQ(&neg.negate(), &neg);
+        EXPECT_EQ(&mag.abs(), &mag);
+        EXPECT_EQ(&tr.transpose(), &tr);
+        m.getTranspose(out);
+        selfT.getTranspose(selfT);
+        for (int i = 0; i < 16; ++i) {
+            float const e = m.getValue()[i];
+            ASSERT_EQ(sum.getValue()[i], float(double(e) + x.getValue()[i]));
+            ASSERT_EQ(diff.getValue()[i], float(double(e) - x.getValue()[i]));
+            ASSERT_EQ(scaled.getValue()[i], float(double(e) * 0.3f));
+            ASSERT_TRUE(neg.getValue()[i] == -e && mag.getValue()[i] == std::fabs(e));
+            float const t = m.getValue()[4 * (i % 4) + i / 4];
+            ASSERT_TRUE(tr.getValue()[i] == t && out.getValue()[i] == t && selfT.getValue()[i] == t);
+        }
+    }
+}
+
+TEST(Matrix4f, VectorsAndInverse) {
+    std::mt19937 rng(7u);
+    Matrix4f const m = randomMatrix(rng);
+    Vector3f const p(0.5f, -1.25f, 2.0f);
+    Vector3f separate, same = p;
+    m.multRightVec3f(separate, p);
+    m.multRightVec3f(same, same);
+    EXPECT_TRUE(sameBits(&same, &separate, sizeof same));
+    Vector3f const viaOperator = m * p;
+    EXPECT_TRUE(sameBits(&viaOperator, &separate, sizeof same));
+    Vector4f const q(0.5f, -1.25f, 2.0f, 0.75f);
+    Vector4f separate4, same4 = q;
+    m.multRightVec4f(separate4, q);
+    m.multRightVec4f(same4, same4);
+    EXPECT_TRUE(sameBits(&same4, &separate4, sizeof same4));
+    Matrix4f atInfinity;
+    atInfinity.getValue()[15] = 0.0f;
+    Vector3f z = atInfinity * Vector3f(1, 2, 3);
+    EXPECT_TRUE(z.x() == 0.0f && z.y() == 0.0f && z.z() == 0.0f);
+
+    constexpr float kInverseTolerance = 1e-4f;
+    Matrix4f inv = m;
+    bool ok = false;
+    EXPECT_EQ(&inv.inverse(ok), &inv);
+    EXPECT_TRUE(ok && (m * inv).equals(Mat4fBase::m_identity, kInverseTolerance));
+    Matrix4f singular = m;
+    std::memcpy(singular.getValue() + 8, singular.getValue(), 4 * sizeof(float)); // column 2 = column 0
+    Matrix4f const before = singular;
+    singular.inverse(ok);
+    EXPECT_FALSE(ok);
+    EXPECT_TRUE(sameBits(singular, before));
+}
+
+TEST(Matrix4f, IsFrontOrientation) {
+    Matrix4f const id;
+    EXPECT_TRUE(id.isFront(Vector3f(3, -2, 7), Vector3f(0, 0, -1)));
+    EXPECT_FALSE(id.isFront(Vector3f(3, -2, 7), Vector3f(0, 0, 1)));
+    EXPECT_FALSE(Matrix4f(0).isFront(Vector3f(1, 2, 3), Vector3f(0, 0, -1))); // f = 0
+    // With the identity, f is the z of a x b, a positive multiple of n in both branches.
+    EXPECT_TRUE(id.isFront(Vector3f(), Vector3f(-0.8f, 0.0f, -0.6f)));
+    EXPECT_FALSE(id.isFront(Vector3f(), Vector3f(0.8f, 0.0f, 0.6f)));
+    Matrix4f mirror;
+    mirror.getValue()[0] = -1.0f;
+    EXPECT_FALSE(mirror.isFront(Vector3f(1, 1, 1), Vector3f(0, 0, -1)));
+}
+
+TEST(Matrix4f, KernelSubclassSeesEveryCall) {
+    (new RecordingKernel)->setDefault();
+    Matrix4f m(1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16);
+    Matrix4f const x(2.0f * Mat4fBase::m_identity);
+    g_products = 0;
+    Matrix4f const product = m * x;
+    EXPECT_TRUE(g_products == 1 && g_a == m.getValue() && g_b == x.getValue());
+    m.multLeftBy(x);
+    EXPECT_TRUE(g_products == 2 && g_out == m.getValue() && g_a == x.getValue());
+    EXPECT_NE(g_b, m.getValue()); // the receiver goes in as a copy
+    EXPECT_TRUE(sameBits(m, product));
+
+    // isFront: the point, then tangent a, then b. n.x = +-0.5 and NaN take the first
+    // branch, a = (0, n.z, -n.y); just above 0.5 the second, a = (n.y, -n.x, 0).
+    float const above = std::nextafter(0.5f, 1.0f);
+    for (float nx : {0.5f, -0.5f, std::nanf(""), above})
+        Matrix4f().isFront(Vector3f(1, 2, 3), Vector3f(nx, 0.25f, 0.75f));
+    ASSERT_EQ(g_vec4.size(), 12u);
+    EXPECT_EQ(g_vec4[0].w(), 1.0f);
+    for (int call = 0; call < 3; ++call)
+        EXPECT_TRUE(g_vec4[3 * call + 1].x() == 0.0f && g_vec4[3 * call + 1].y() == 0.75f);
+    EXPECT_EQ(g_vec4[2].x(), float(0.5 * 0.5 - 1.0));
+    EXPECT_TRUE(g_vec4[10].x() == 0.25f && g_vec4[10].y() == -above);
+    EXPECT_EQ(g_vec4[11].z(), float(0.75 * 0.75 - 1.0));
+
+    (new EnhancedMathFunctions)->setDefault();
+    EXPECT_TRUE(g_destroyed);
+    m *= x;
+    EXPECT_EQ(g_products, 2);
+}
