@@ -61,3 +61,4 @@
 #include "zefcore/base/ZEFActivityMgr.h"
 #include "zefcore/base/ZEFOSVersion.h"
 #include "zefcore/base/ZEFString.h"
+#include "zefcore/base/Color.h"
