@@ -199,9 +199,11 @@ public:
     // Linear interpolation from a (t = 0) to b (t = 1). out may alias: a, b
     virtual void quaternionLERP(float *const out, float const *const a, float const *const b,
                                 float t) const;
-    // out = the rotation by angle about axis. out must not alias an operand
+    // out = the rotation by angle about the unit axis (not normalised here).
+    // out must not alias an operand
     virtual void axisToQuaternion(float *const out, float const *const axis, float angle) const;
-    // out = the rotation by angle about axis, taken as unit. out must not alias an operand
+    // out = the rotation by angle about an axis of any length; an axis shorter than
+    // 0.0001 gives the identity (1, 0, 0, 0). out must not alias an operand
     virtual void axisToQuaternionU(float *const out, float const *const axis, float angle) const;
     // Writes the axis and angle of q. Must not alias an operand
     virtual void quaternionToAxis(float *const axis, float *angle, float const *const q) const;
