@@ -25,6 +25,7 @@
 // ---- matrix and rotation classes
 #include "zefcore/math/Mat4fBase.h"
 #include "zefcore/math/Matrix4f.h"
+#include "zefcore/math/Quaternion.h"
 
 // ---- dense solver
 #include "zefcore/math/LUDecomp.h"
