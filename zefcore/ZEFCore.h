@@ -26,6 +26,9 @@
 #include "zefcore/math/Mat4fBase.h"
 #include "zefcore/math/Matrix4f.h"
 #include "zefcore/math/Quaternion.h"
+#include "zefcore/math/MatAff4fBase.h"
+#include "zefcore/math/MatAff4f.h"
+#include "zefcore/math/MatRot4f.h"
 
 // ---- dense solver
 #include "zefcore/math/LUDecomp.h"

@@ -11,6 +11,9 @@
 #include "zefcore/math/Vector3f.h"
 #include "zefcore/math/Vector4f.h"
 
+class MatAff4f;
+class MatRot4f;
+
 class ZEFCORE_API Mat4fBase {
 public:
     // The identity. Constant-initialised, so it holds its value before any
@@ -53,6 +56,23 @@ public:
     void multRightVec3f(Vector3f &out, const Vector3f &in) const;
     // Sets out = M * in, four components, no divide. Aliasing: out may be in.
     void multRightVec4f(Vector4f &out, const Vector4f &in) const;
+
+    // ---- decompositions ---------------------------------------------------
+    // Sets the split of this matrix, taken about center when it is not null
+    // (T(-center) * M * T(center) is split): its 3x3 block is R * Q^T * S * Q with
+    // R = rotation, Q = scaleOrientation (into the scale's frame), S = the diagonal
+    // scaleFactor; translation = the split matrix's last column. The bottom row
+    // plays no part. Unchanged on failure: for |det| < 1e-12 the kernel's factor
+    // writes translation only, and nothing says so.
+    void getTransform(Vector3f &translation, MatRot4f &rotation, Vector3f &scaleFactor,
+                      MatRot4f &scaleOrientation, const Vector3f *center) const;
+    // Returns true and does nothing else: out is not written.
+    bool orthoNormalizeMatrix(MatRot4f &out) const;
+    // Returns true and sets out's columns 0..2 to the unit columns of this,
+    // lengths to their lengths (Vector3f::normalize), out's translation to this
+    // one. Elements 3, 7, 11 and 15 of out keep what they held.
+    // Degenerate: a zero column stays zero with length 0. Aliasing: out may be this.
+    bool normalizeMatrix(MatAff4f &out, Vector3f &lengths) const;
 
 protected:
     float m_value[16];
