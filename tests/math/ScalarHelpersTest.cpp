@@ -29,13 +29,3 @@ TEST(ScalarHelpers, AbsDoubleKeepsNegativeZeroAndNaNSign) {
     EXPECT_TRUE(std::isnan(absDouble(negNaN)));
     EXPECT_TRUE(std::signbit(absDouble(negNaN)));
 }
-
-TEST(ScalarHelpers, SwapPDoubleExchangesPointersOnly) {
-    double a = 1.0, b = 2.0;
-    double *pa = &a, *pb = &b;
-    swapPDouble(pa, pb);
-    EXPECT_EQ(pa, &b);
-    EXPECT_EQ(pb, &a);
-    EXPECT_EQ(a, 1.0);
-    EXPECT_EQ(b, 2.0);
-}

@@ -71,16 +71,38 @@ TEST(Vector2f, DirectionAngleByQuadrant) {
     const float at = float(std::atan(double(q)));
     EXPECT_TRUE(sameBits(Vector2f(-7.0f, 3.0f).angle(), float(double(at) + 3.1415927410125732)));
     EXPECT_TRUE(sameBits(Vector2f(7.0f, -3.0f).angle(), float(double(at) + 6.2831854820251465)));
+    std::mt19937 rng(6);
+    std::uniform_real_distribution<float> d(-10.0f, 10.0f);
+    int quotientRoundingShows = 0;
+    for (int i = 0; i < 3000; ++i) {
+        const float x = d(rng), y = d(rng);
+        const double qd = double(y) / x;
+        const double add = x < 0.0f ? 3.1415927410125732 : y < 0.0f ? 6.2831854820251465 : 0.0;
+        const float expected = float(double(float(std::atan(double(float(qd))))) + add);
+        EXPECT_TRUE(sameBits(Vector2f(x, y).angle(), expected));
+        quotientRoundingShows += expected != float(double(float(std::atan(qd))) + add);
+    }
+    EXPECT_GT(quotientRoundingShows, 0);
 }
 
 TEST(Vector2f, AngleBetweenAndCross) {
     EXPECT_EQ(Vector2f(1.0f, 0.0f).angle(Vector2f()), 0.0f);
     EXPECT_EQ(Vector2f(1.0f, 0.0f).angle(Vector2f(-1.0f, 0.0f)), kFloatPi);
     EXPECT_EQ(Vector2f(2.0f, 0.0f).angle(Vector2f(3.0f, 0.0f)), 0.0f);
-    // Cosine rounded to float before acos.
-    const Vector2f a(1.0f, 2.0f), b(3.0f, 1.0f);
-    const float c = float(double(5.0f) / (double(a.norm()) * b.norm()));
-    EXPECT_TRUE(sameBits(a.angle(b), float(std::acos(double(c)))));
+    // The cosine is rounded to float before acos; the product of the norms is not.
+    std::mt19937 rng(4);
+    std::uniform_real_distribution<float> d(-10.0f, 10.0f);
+    int cosineRoundingShows = 0;
+    for (int i = 0; i < 3000; ++i) {
+        const Vector2f a(d(rng), d(rng)), b(d(rng), d(rng));
+        const double n = double(a.norm()) * b.norm();
+        const double e = double(float(double(a.y()) * b.y() + double(a.x()) * b.x()));
+        const float c = float(e / n);
+        const float expected = c <= -1.0f ? kFloatPi : c >= 1.0f ? 0.0f : float(std::acos(double(c)));
+        EXPECT_TRUE(sameBits(a.angle(b), expected));
+        cosineRoundingShows += expected != float(std::acos(e / n));
+    }
+    EXPECT_GT(cosineRoundingShows, 0);
     EXPECT_EQ(Vector2f(1.0f, 0.0f).cross(Vector2f(0.0f, 1.0f)), 1.0f);
     EXPECT_EQ(Vector2f(0.0f, 1.0f).cross(Vector2f(1.0f, 0.0f)), -1.0f);
     EXPECT_EQ(Vector2f::compFloat(1.0f, 1.5f, 0.5f), 0);

@@ -43,6 +43,8 @@ TEST(Vector4f, NormalizeGoesThroughTheReciprocal) {
     EXPECT_EQ(v.normalize(std::numeric_limits<float>::infinity()), 0.0f);
     EXPECT_TRUE(sameBits(v, 1.0f, 2.0f, 3.0f, 4.0f));
 
+    // The order of terms shows where products cancel: ((1e20 - 1e20) + 1) + 1.
+    EXPECT_EQ(Vector4f::dot(Vector4f(-1e10f, 1e10f, 1.0f, 1.0f), Vector4f(1e10f, 1e10f, 1.0f, 1.0f)), 2.0f);
     std::mt19937 rng(11);
     std::uniform_real_distribution<float> d(-50.0f, 50.0f);
     for (int i = 0; i < 3000; ++i) {
