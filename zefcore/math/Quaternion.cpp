@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "zefcore/kernel/EnhancedMathFunctions.h"
+#include "zefcore/math/MatRot4f.h"
 
 namespace {
 
@@ -17,13 +18,25 @@ struct Copy4 {
 
 } // namespace
 
+Quaternion::Quaternion(const MatRot4f &m) {
+    setValue(m);
+}
+
 Quaternion::Quaternion(const Vector3f &axis, float angle) {
     EnhancedMathFunctions::getCurrent()->axisToQuaternionU(m_value, axis.getValue(), angle);
 }
 
-Quaternion::Quaternion(const Vector3f &from, const Vector3f &to) { setValue(from, to); }
+Quaternion::Quaternion(const Vector3f &from, const Vector3f &to) {
+    setValue(from, to);
+}
 
-Quaternion::Quaternion(float x, float y, float z) { setValue(x, y, z); }
+Quaternion::Quaternion(float x, float y, float z) {
+    setValue(x, y, z);
+}
+
+void Quaternion::setValue(const MatRot4f &m) {
+    EnhancedMathFunctions::getCurrent()->RotMatrixToQuaternion(m_value, m.getValue());
+}
 
 void Quaternion::setValue(float x, float y, float z) {
     float const angles[3] = {x, y, z};
@@ -44,6 +57,11 @@ void Quaternion::getValue(float &x, float &y, float &z) const {
     x = angles[0];
     y = angles[1];
     z = angles[2];
+}
+
+void Quaternion::getValue(MatRot4f &m) const {
+    EnhancedMathFunctions::getCurrent()->quaternionToMatrix(m.getValue(), m_value);
+    EnhancedMathFunctions::getCurrent()->copyVec3fTo(m.getValue() + 12, Vector3f::m_zero.getValue());
 }
 
 float Quaternion::norm() const {
