@@ -43,6 +43,10 @@
 #include "zefcore/geometry/PlaneFigureQueries.h"
 #include "zefcore/geometry/BoundingBox.h"
 #include "zefcore/geometry/BoundingBox2D.h"
+#include "zefcore/geometry/Distances.h"
+#include "zefcore/geometry/Intersections.h"
+#include "zefcore/geometry/PlaneProjector.h"
+#include "zefcore/geometry/BoundingBoxAlgo.h"
 
 // ---- lifetime, identity, containers and sorting
 #include "zefcore/base/MultiRefObject.h"
