@@ -34,7 +34,9 @@ void Mat4fBase::getTransform(Vector3f &translation, MatRot4f &rotation, Vector3f
                                                 n.getValue());
 }
 
-bool Mat4fBase::orthoNormalizeMatrix(MatRot4f &) const { return true; }
+bool Mat4fBase::orthoNormalizeMatrix(MatRot4f &) const {
+    return true;
+}
 
 bool Mat4fBase::normalizeMatrix(MatAff4f &out, Vector3f &lengths) const {
     // The bottom row is not read.

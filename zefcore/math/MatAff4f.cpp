@@ -34,7 +34,9 @@ MatAff4f::MatAff4f(const MatAff4fBase &m) : MatAff4fBase(m) {}
 
 MatAff4f::MatAff4f(const MatAff4f &m) : MatAff4fBase(m) {}
 
-MatAff4f MatAff4f::identity() { return MatAff4f(); }
+MatAff4f MatAff4f::identity() {
+    return MatAff4f();
+}
 
 MatAff4f MatAff4f::translate(const Vector3f &t) {
     MatAff4f result;
@@ -52,7 +54,9 @@ void MatAff4f::setTranslate(const Vector3f &t) {
     EnhancedMathFunctions::getCurrent()->setTranslate(m_value, t.getValue());
 }
 
-void MatAff4f::setScale(const Vector3f &s) { EnhancedMathFunctions::getCurrent()->setScale(m_value, s.getValue()); }
+void MatAff4f::setScale(const Vector3f &s) {
+    EnhancedMathFunctions::getCurrent()->setScale(m_value, s.getValue());
+}
 
 void MatAff4f::setScaleAround(const Vector3f &s, const Vector3f &center) {
     Vector3f const back = -center;

@@ -4,7 +4,9 @@
 #include "zefcore/kernel/EnhancedMathFunctions.h"
 #include "zefcore/math/ScalarHelpers.h"
 
-MatAff4fBase::MatAff4fBase() : Mat4fBase() { EnhancedMathFunctions::getCurrent()->setIdentity(m_value); }
+MatAff4fBase::MatAff4fBase() : Mat4fBase() {
+    EnhancedMathFunctions::getCurrent()->setIdentity(m_value);
+}
 
 MatAff4fBase::MatAff4fBase(const MatAff4fBase &m) : Mat4fBase() {
     EnhancedMathFunctions::getCurrent()->copyMat4fTo(m_value, m.m_value);
@@ -47,7 +49,6 @@ MatAff4fBase operator*(float s, const MatAff4fBase &m) {
 
 Vector3f operator*(const MatAff4fBase &m, const Vector3f &v) {
     Vector3f result;
-    EnhancedMathFunctions::getCurrent()->multAffineMatrixVec3f(result.getValue(), m.getValue(),
-                                                               v.getValue());
+    EnhancedMathFunctions::getCurrent()->multAffineMatrixVec3f(result.getValue(), m.getValue(), v.getValue());
     return result;
 }

@@ -28,7 +28,9 @@ constexpr float kOrthonormalTolerance = 1e-4f;
 
 } // namespace
 
-MatRot4f::MatRot4f() : MatAff4fBase() { EnhancedMathFunctions::getCurrent()->setIdentity(m_value); }
+MatRot4f::MatRot4f() : MatAff4fBase() {
+    EnhancedMathFunctions::getCurrent()->setIdentity(m_value);
+}
 
 MatRot4f::MatRot4f(const MatRot4f &m) : MatAff4fBase() {
     EnhancedMathFunctions::getCurrent()->copyMat4fTo(m_value, m.m_value);
@@ -38,7 +40,9 @@ MatRot4f::MatRot4f(const Vector3f &axis, float angle, const Vector3f &t) : MatAf
     setValue(axis, angle, t);
 }
 
-MatRot4f::MatRot4f(float x, float y, float z, const Vector3f &t) : MatAff4fBase() { setValue(x, y, z, t); }
+MatRot4f::MatRot4f(float x, float y, float z, const Vector3f &t) : MatAff4fBase() {
+    setValue(x, y, z, t);
+}
 
 MatRot4f::MatRot4f(const Vector3f &from, const Vector3f &to, const Vector3f &t) : MatAff4fBase() {
     setValue(from, to, t);
