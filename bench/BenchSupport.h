@@ -1,0 +1,53 @@
+// Helpers shared by the benchmark programs: the fixed seed, row naming and the
+// check that a route and its peers computed the same thing before any is timed.
+// Rows are named "<case>/zef:<route>" for ours and "<case>/<peer>:<route>" for a
+// peer; bench/run.py pairs them by case. Every row counts items (one product,
+// one point, one sort of the whole table, ...) and labels what an item is.
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <utility>
+
+namespace zefbench {
+
+// One seed for every data set, so every run and every route sees the same data.
+constexpr std::uint32_t kSeed = 0x5EED2024u;
+
+// Registers fn as the row "<caseName>/<route>". The row reports items per
+// second through the function's own SetItemsProcessed.
+template <class Fn>
+benchmark::internal::Benchmark *add(const std::string &caseName, const std::string &route, Fn &&fn) {
+    const std::string name = caseName + "/" + route;
+    return benchmark::RegisterBenchmark(name.c_str(), std::forward<Fn>(fn));
+}
+
+// Registers a row for a peer this build does not have: it reports an error that
+// run.py prints as a skipped peer, and times nothing.
+inline void missing(const std::string &caseName, const std::string &route, const char *peer) {
+    const std::string why = std::string(peer) + " not found when the benchmark was configured";
+    add(caseName, route, [why](benchmark::State &state) {
+        state.SkipWithError(why.c_str());
+        for (auto _ : state) {
+        }
+    })->Iterations(1);
+}
+
+// Marks the row failed when a route disagrees with ours on the shared data; the
+// loop then times nothing. Returns ok.
+inline bool agree(benchmark::State &state, bool ok, const char *what) {
+    if (!ok)
+        state.SkipWithError(what);
+    return ok;
+}
+
+// Counts one item per element of a batch, and names the item.
+inline void perItem(benchmark::State &state, std::int64_t itemsPerIteration, const char *item) {
+    state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * itemsPerIteration);
+    state.SetLabel(item);
+}
+
+} // namespace zefbench
