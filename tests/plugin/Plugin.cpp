@@ -1,0 +1,48 @@
+#include "Plugin.h"
+
+namespace {
+int s_alive = 0;
+}
+
+void PluginKernel::multMatrices(float *const out, float const *const a, float const *const b) const {
+    ++m_products;
+    EnhancedMathFunctions::multMatrices(out, a, b);
+}
+
+int PluginKernel::products() const { return m_products; }
+
+PluginKernel::~PluginKernel() = default;
+
+PluginActivityMgr::PluginActivityMgr() = default;
+PluginActivityMgr::~PluginActivityMgr() = default;
+void PluginActivityMgr::onStart() {}
+
+PluginObject::PluginObject() { ++s_alive; }
+PluginObject::~PluginObject() { --s_alive; }
+int PluginObject::alive() { return s_alive; }
+
+bool PluginProjector::project(Vector3f &out, const ZEFLine &line) {
+    ++m_projections;
+    return PlaneProjector::project(out, line);
+}
+
+int PluginProjector::projections() const { return m_projections; }
+
+EnhancedMathFunctions *createPluginKernel() { return new PluginKernel; }
+ZEFActivityMgr *createPluginActivityMgr() { return new PluginActivityMgr; }
+void destroyPluginActivityMgr(ZEFActivityMgr *manager) { delete dynamic_cast<PluginActivityMgr *>(manager); }
+MultiRefObject *createPluginObject() { return new PluginObject; }
+PlaneProjector *createPluginProjector() { return new PluginProjector; }
+
+const std::type_info &baseTypeSeenByPlugin(int which) {
+    switch (which) {
+    case 0: return typeid(EnhancedMathFunctions);
+    case 1: return typeid(ZEFActivityMgr);
+    case 2: return typeid(MultiRefObject);
+    default: return typeid(PlaneProjector);
+    }
+}
+
+bool pluginOwnsKernel(const EnhancedMathFunctions *kernel) {
+    return dynamic_cast<const PluginKernel *>(kernel) != nullptr;
+}
