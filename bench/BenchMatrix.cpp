@@ -81,20 +81,7 @@ const MatrixData &data() {
             for (int i = 0; i < 16; ++i)
                 m.regular[16 * k + i] = unit(rng) + (i % 5 == 0 ? 4.0f : 0.0f); // dominant diagonal
 
-        // Perspective (60 degrees, aspect 4/3, near 0.1, far 100) times a view
-        // looking at the origin from (3, 2, 10), both column after column.
-        Matrix4f perspective(0);
-        const float f = 1.0f / std::tan(0.5f * 1.0471976f);
-        const float nearZ = 0.1f, farZ = 100.0f;
-        float *p = perspective.getValue();
-        p[0] = f / (4.0f / 3.0f);
-        p[5] = f;
-        p[10] = (farZ + nearZ) / (nearZ - farZ);
-        p[11] = -1.0f;
-        p[14] = 2.0f * farZ * nearZ / (nearZ - farZ);
-        MatRot4f view(Vector3f(0.3f, -0.4f, 0.1f), 0.35f, Vector3f(-3.0f, -2.0f, -10.0f));
-        const Matrix4f camera = perspective * view;
-        std::memcpy(m.projection, camera.getValue(), sizeof m.projection);
+        zefbench::cameraMatrix(m.projection);
 
         // Points on both sides of the camera, but none near its plane (|w| < 1),
         // where the divide magnifies the rounding of w and routes cannot agree.

@@ -5,9 +5,15 @@
 // one point, one sort of the whole table, ...) and labels what an item is.
 #pragma once
 
+#include "zefcore/math/MatRot4f.h"
+#include "zefcore/math/Matrix4f.h"
+#include "zefcore/math/Vector3f.h"
+
 #include <benchmark/benchmark.h>
 
+#include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <cstdio>
 #include <string>
 #include <utility>
@@ -48,6 +54,24 @@ inline bool agree(benchmark::State &state, bool ok, const char *what) {
 inline void perItem(benchmark::State &state, std::int64_t itemsPerIteration, const char *item) {
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * itemsPerIteration);
     state.SetLabel(item);
+}
+
+// Sets out to a camera: a perspective projection (60 degrees, aspect 4/3, near
+// 0.1, far 100; depth in [-1, 1] in front, above 1 behind the eye) times a view
+// from about (3, 2, 10) towards the origin. Sixteen floats in storage order.
+inline void cameraMatrix(float *out) {
+    Matrix4f perspective(0);
+    const float f = 1.0f / std::tan(0.5f * 1.0471976f);
+    const float nearZ = 0.1f, farZ = 100.0f;
+    float *p = perspective.getValue();
+    p[0] = f / (4.0f / 3.0f);
+    p[5] = f;
+    p[10] = (farZ + nearZ) / (nearZ - farZ);
+    p[11] = -1.0f;
+    p[14] = 2.0f * farZ * nearZ / (nearZ - farZ);
+    const MatRot4f view(Vector3f(0.3f, -0.4f, 0.1f), 0.35f, Vector3f(-3.0f, -2.0f, -10.0f));
+    const Matrix4f camera = perspective * view;
+    std::memcpy(out, camera.getValue(), 16 * sizeof(float));
 }
 
 } // namespace zefbench
