@@ -21,6 +21,8 @@ TEST(ZEFString, ConstructorsFollowTheStringForms) {
     EXPECT_EQ(ZEFString(text, 6, -1), "gh");
     EXPECT_EQ(ZEFString("abcdefgh", 4), "abcd");
     EXPECT_EQ(ZEFString(3, 'z'), "zzz");
+    // The std::string form keeps an embedded zero; the C-string form would stop there.
+    EXPECT_EQ(ZEFString(std::string("ab\0c", 4)).size(), 4u);
     EXPECT_EQ(ZEFString(text.data() + 1, text.data() + 4), "bcd");
     // Bad arguments: the string's exceptions, or an empty string where no text is given.
     EXPECT_THROW(ZEFString(text, 9, 1), std::out_of_range);

@@ -42,6 +42,16 @@ TEST(ZEFTimer, StartingPointIsFixedOnce) {
     EXPECT_GT(first, 0.002);
     ASSERT_TRUE(ZEFTimer::initTimingTools());
     EXPECT_GE(ZEFTimer::getElapsedTime(), first);
+
+    // Time from the reset, not from the starting point: bounded by the calls around it.
+    ZEFTimer timer;
+    const double before = ZEFTimer::getElapsedTime();
+    timer.reset();
+    waitAMoment();
+    const double sinceReset = timer.getElapsedTimeFromReset();
+    const double after = ZEFTimer::getElapsedTime();
+    EXPECT_GT(sinceReset, 0.002);
+    EXPECT_LE(sinceReset, after - before);
 }
 
 TEST(ZEFTimer, FindTimeComparesText) {
