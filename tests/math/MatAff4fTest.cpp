@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -157,4 +158,31 @@ TEST(MatAff4f, TMSDecompositionMovesMirrorsIntoTheScale) {
     // A zero column: scale +0, NaN in axes.
     MatAff4f::scale(Vector3f(1, 0, 1)).getTMSDecomp(t, axes, s);
     EXPECT_TRUE(s[1] == 0.0f && !std::signbit(s[1]) && std::isnan(axes.getValue()[5]));
+}
+
+TEST(MatAff4f, RotationsComposeOnTheirStatedSide) {
+    constexpr float kQuarterTurnTolerance = 1e-5f; // cos(pi/2) in float is -4.4e-8, not 0
+    const float quarter = float(std::acos(0.0));
+    Vector3f const x(1, 0, 0), y(0, 1, 0), z(0, 0, 1), c(0.5f, -1.5f, 2.5f);
+    // Left of a translation the turn also turns the translation; right of it, it does not.
+    MatAff4f left = MatAff4f::translate(x), right = left;
+    left.multLeftByRotate(z, quarter);
+    right.multRightByRotate(z, quarter);
+    EXPECT_TRUE((left * Vector3f()).equalsEps(y, kQuarterTurnTolerance));
+    EXPECT_TRUE((right * Vector3f()).equalsEps(x, kQuarterTurnTolerance));
+    EXPECT_TRUE((right * x).equalsEps(x + y, kQuarterTurnTolerance));
+    // Euler angles: X acts first, then Z; every element written, translation 0.
+    MatAff4f e;
+    std::fill(e.getValue(), e.getValue() + 16, kSentinel);
+    e.setRotate(quarter, 0.0f, quarter);
+    EXPECT_TRUE((e * y).equalsEps(z, kQuarterTurnTolerance));
+    EXPECT_TRUE((e * x).equalsEps(y, kQuarterTurnTolerance));
+    for (int i : {3, 7, 11, 12, 13, 14})
+        EXPECT_EQ(e.getValue()[i], 0.0f) << i;
+    EXPECT_EQ(e.getValue()[15], 1.0f);
+    // About a centre: the centre stays, a point beside it turns about it.
+    MatAff4f a;
+    a.setRotateAround(z, quarter, c);
+    EXPECT_TRUE((a * c).equalsEps(c, kQuarterTurnTolerance));
+    EXPECT_TRUE((a * (c + x)).equalsEps(c + y, kQuarterTurnTolerance));
 }

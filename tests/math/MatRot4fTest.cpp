@@ -108,3 +108,34 @@ TEST(MatRot4f, InverseAndProductsInPlace) {
     fromQ.setValue(Quaternion(axis, 0.77f), t);
     EXPECT_TRUE(sameBits(fromQ, MatRot4f(axis, 0.77f, t)));
 }
+
+TEST(MatRot4f, TranslationsSidesCentresAndTranspose) {
+    const float quarter = float(std::acos(0.0));
+    Vector3f const x(1, 0, 0), y(0, 1, 0), z(0, 0, 1), t(10, 20, 30), p(0.5f, -1, 2), c(0.5f, -1.5f, 2.5f);
+    MatRot4f const m(z, quarter, Vector3f(1, 2, 3));
+    // Left: T(t) * m moves the image; right: m * T(t) moves the argument.
+    MatRot4f left = m, right = m;
+    left.multLeftByTranslate(t);
+    right.multRightByTranslate(t);
+    EXPECT_TRUE((left * p).equalsEps(m * p + t, kRotationTolerance));
+    EXPECT_TRUE((right * p).equalsEps(m * (p + t), kRotationTolerance));
+    EXPECT_EQ(std::memcmp(left.getValue(), m.getValue(), 12 * sizeof(float)), 0);
+    EXPECT_EQ(std::memcmp(right.getValue(), m.getValue(), 12 * sizeof(float)), 0);
+    // Both centred forms keep the centre and turn a point beside it about it.
+    MatRot4f byAxis, byEuler;
+    byAxis.setRotateAround(z, quarter, c);
+    byEuler.setRotateAround(0.0f, 0.0f, quarter, c);
+    for (const MatRot4f *r : {&byAxis, &byEuler}) {
+        EXPECT_TRUE((*r * c).equalsEps(c, kRotationTolerance));
+        EXPECT_TRUE((*r * (c + x)).equalsEps(c + y, kRotationTolerance));
+    }
+    // transpose3 swaps the 3x3 block across its diagonal; translation and bottom row stay.
+    MatRot4f tr = m;
+    tr.getValue()[7] = kSentinel;
+    tr.transpose3();
+    for (int col = 0; col < 3; ++col)
+        for (int row = 0; row < 3; ++row)
+            EXPECT_EQ(tr.getValue()[4 * col + row], m.getValue()[4 * row + col]);
+    EXPECT_EQ(std::memcmp(tr.getValue() + 12, m.getValue() + 12, 4 * sizeof(float)), 0);
+    EXPECT_EQ(tr.getValue()[7], kSentinel);
+}
