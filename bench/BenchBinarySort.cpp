@@ -91,7 +91,7 @@ void zefSort(benchmark::State &state, Table which) {
         BinarySort sorter;
         sorter.addItem(t.data(), kRecordSize);
         sorter.sort(kRows, order.data());
-        benchmark::DoNotOptimize(order.data());
+        zefbench::consume(order.data());
         benchmark::ClobberMemory();
     }
     agree(state, order == reference(which), "BinarySort order differs from stable_sort");
@@ -105,7 +105,7 @@ void stableSort(benchmark::State &state, Table which) {
         std::iota(order.begin(), order.end(), 0);
         std::stable_sort(order.begin(), order.end(),
                          [&t](int a, int b) { return std::memcmp(row(t, a), row(t, b), kRecordSize) < 0; });
-        benchmark::DoNotOptimize(order.data());
+        zefbench::consume(order.data());
         benchmark::ClobberMemory();
     }
     perItem(state, 1, "sort of 1M rows");
@@ -121,7 +121,7 @@ void spreadSort(benchmark::State &state, Table which) {
             order.begin(), order.end(), [&t](int r, std::size_t offset) { return row(t, r)[offset]; },
             [](int) { return std::size_t(kRecordSize); },
             [&t](int a, int b) { return std::memcmp(row(t, a), row(t, b), kRecordSize) < 0; });
-        benchmark::DoNotOptimize(order.data());
+        zefbench::consume(order.data());
         benchmark::ClobberMemory();
     }
     agree(state, sameRecords(which, order), "string_sort gives another sequence of records");

@@ -64,7 +64,7 @@ void zefFindFirst(benchmark::State &state, int perMille) {
         sum = 0;
         for (int i = a.findFirst(true); i >= 0; i = a.findFirst(true, i + 1))
             sum += i;
-        benchmark::DoNotOptimize(sum);
+        zefbench::consume(sum);
     }
     agree(state, sum == bits(perMille).indexSum, "findFirst walk misses bits");
     perItem(state, 1, kPass);
@@ -75,7 +75,7 @@ void zefIndexes(benchmark::State &state, int perMille) {
     ZEFArray<int> indexes;
     for (auto _ : state) {
         a.getIndexesSet(indexes);
-        benchmark::DoNotOptimize(indexes.data());
+        zefbench::consume(indexes.data());
         benchmark::ClobberMemory();
     }
     const std::vector<int> &expected = bits(perMille).indexes;
@@ -88,7 +88,7 @@ void zefCount(benchmark::State &state, int perMille) {
     int count = 0;
     for (auto _ : state) {
         count = a.getNumberOfBitSet();
-        benchmark::DoNotOptimize(count);
+        zefbench::consume(count);
     }
     agree(state, count == static_cast<int>(bits(perMille).indexes.size()), "getNumberOfBitSet differs");
     perItem(state, 1, kPass);
@@ -109,7 +109,7 @@ void boostFindNext(benchmark::State &state, int perMille) {
         sum = 0;
         for (std::size_t i = d.find_first(); i != d.npos; i = d.find_next(i))
             sum += static_cast<long long>(i);
-        benchmark::DoNotOptimize(sum);
+        zefbench::consume(sum);
     }
     agree(state, sum == bits(perMille).indexSum, "find_next walk misses bits");
     perItem(state, 1, kPass);
@@ -123,7 +123,7 @@ void boostIndexes(benchmark::State &state, int perMille) {
         indexes.clear();
         for (std::size_t i = d.find_first(); i != d.npos; i = d.find_next(i))
             indexes.push_back(static_cast<int>(i));
-        benchmark::DoNotOptimize(indexes.data());
+        zefbench::consume(indexes.data());
         benchmark::ClobberMemory();
     }
     agree(state, indexes == bits(perMille).indexes, "find_next indexes differ");
@@ -135,7 +135,7 @@ void boostCount(benchmark::State &state, int perMille) {
     std::size_t count = 0;
     for (auto _ : state) {
         count = d.count();
-        benchmark::DoNotOptimize(count);
+        zefbench::consume(count);
     }
     agree(state, count == bits(perMille).indexes.size(), "count differs");
     perItem(state, 1, kPass);
@@ -147,7 +147,7 @@ void boostPopcntCount(benchmark::State &state, int perMille) {
     std::size_t count = 0;
     for (auto _ : state) {
         count = zefbench::popcountCount(d);
-        benchmark::DoNotOptimize(count);
+        zefbench::consume(count);
     }
     zefbench::freePopcountBitset(d);
     agree(state, count == b.indexes.size(), "count with popcnt differs");

@@ -70,7 +70,7 @@ void projectInto3D(benchmark::State &state) {
             out[i] = BoundingBox();
             ++positions[BoundingBoxAlgo::cameraProjBBox(out[i], in[i], m, kDepthLimit) & 3];
         }
-        benchmark::DoNotOptimize(out.data());
+        zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
     agree(state, allSides(positions), "the boxes do not meet every side of the camera");
@@ -85,7 +85,7 @@ void projectInto2D(benchmark::State &state) {
     for (auto _ : state) {
         for (std::size_t i = 0; i < in.size(); ++i)
             ++positions[BoundingBoxAlgo::cameraProjBBox(out[i], in[i], m, kDepthLimit) & 3];
-        benchmark::DoNotOptimize(out.data());
+        zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
     agree(state, allSides(positions), "the boxes do not meet every side of the camera");
@@ -102,7 +102,7 @@ void intersect(benchmark::State &state, const BoundingBox2D rect) {
             bool cleared = false, inside = false;
             hits += BoundingBoxAlgo::BBox3DIntersectBBox2D(box, rect, m, kDepthLimit, cleared, inside) ? 1 : 0;
         }
-        benchmark::DoNotOptimize(hits);
+        zefbench::consume(hits);
     }
     agree(state, hits > 0 && hits < kBoxes, "every box or no box meets the rectangle");
     perItem(state, kBoxes, "box");

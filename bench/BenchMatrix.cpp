@@ -205,7 +205,7 @@ void zefMultLeftBy(benchmark::State &state) {
             out[k] = b[k];
             out[k].multLeftBy(a[k]);
         }
-        benchmark::DoNotOptimize(out.data());
+        zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
     agree(state, sameAs(ourProducts(), out, 16, 0.0f, [](const Matrix4f &m) { return m.getValue(); }),
@@ -220,7 +220,7 @@ void zefOperatorProduct(benchmark::State &state) {
         benchmark::ClobberMemory();
         for (int k = 0; k < kBatch; ++k)
             out[k] = a[k] * b[k];
-        benchmark::DoNotOptimize(out.data());
+        zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
     perItem(state, kBatch, "product");
@@ -234,7 +234,7 @@ void zefKernelProduct(benchmark::State &state) {
         benchmark::ClobberMemory();
         for (int k = 0; k < kBatch; ++k)
             kernel->multMatrices(out[k].getValue(), a[k].getValue(), b[k].getValue());
-        benchmark::DoNotOptimize(out.data());
+        zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
     agree(state, sameAs(ourProducts(), out, 16, 0.0f, [](const Matrix4f &m) { return m.getValue(); }),
@@ -255,8 +255,8 @@ void zefInverse(benchmark::State &state) {
             out[k].inverse(ok);
             failures += ok ? 0 : 1;
         }
-        benchmark::DoNotOptimize(out.data());
-        benchmark::DoNotOptimize(failures);
+        zefbench::consume(out.data());
+        zefbench::consume(failures);
         benchmark::ClobberMemory();
     }
     agree(state, failures == 0, "a well-conditioned matrix was refused");
@@ -272,7 +272,7 @@ void zefPoints(benchmark::State &state) {
         benchmark::ClobberMemory();
         for (std::size_t i = 0; i < in.size(); ++i)
             m.multRightVec3f(out[i], in[i]);
-        benchmark::DoNotOptimize(out.data());
+        zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
     perItem(state, kPoints, "point");
@@ -286,7 +286,7 @@ void zefQuatProduct(benchmark::State &state) {
         benchmark::ClobberMemory();
         for (int k = 0; k < kBatch; ++k)
             out[k] = a[k] * b[k];
-        benchmark::DoNotOptimize(out.data());
+        zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
     perItem(state, kBatch, "product");
@@ -299,7 +299,7 @@ void zefQuatToMatrix(benchmark::State &state) {
         benchmark::ClobberMemory();
         for (int k = 0; k < kBatch; ++k)
             q[k].getValue(out[k]);
-        benchmark::DoNotOptimize(out.data());
+        zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
     perItem(state, kBatch, "conversion");
@@ -328,7 +328,7 @@ void glmProduct(benchmark::State &state) {
         benchmark::ClobberMemory();
         for (int k = 0; k < kBatch; ++k)
             out[k] = a[k] * b[k];
-        benchmark::DoNotOptimize(out.data());
+        zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
     agree(state, sameAs(ourProducts(), out, 16, kProductTolerance, [](const glm::mat4 &m) { return glm::value_ptr(m); }),
@@ -343,7 +343,7 @@ void glmInverse(benchmark::State &state) {
         benchmark::ClobberMemory();
         for (int k = 0; k < kBatch; ++k)
             out[k] = glm::inverse(src[k]);
-        benchmark::DoNotOptimize(out.data());
+        zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
     agree(state, sameAs(ourInverses(), out, 16, kInverseTolerance, [](const glm::mat4 &m) { return glm::value_ptr(m); }),
@@ -363,7 +363,7 @@ void glmPoints(benchmark::State &state) {
             const glm::vec4 r = m * glm::vec4(in[i], 1.0f);
             out[i] = glm::vec3(r) / r.w;
         }
-        benchmark::DoNotOptimize(out.data());
+        zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
     agree(state, sameAs(ourPoints(), out, 3, kPointTolerance, [](const glm::vec3 &v) { return glm::value_ptr(v); }),
@@ -378,7 +378,7 @@ void glmQuatProduct(benchmark::State &state) {
         benchmark::ClobberMemory();
         for (int k = 0; k < kBatch; ++k)
             out[k] = a[k] * b[k];
-        benchmark::DoNotOptimize(out.data());
+        zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
     agree(state,
@@ -398,7 +398,7 @@ void glmQuatToMatrix(benchmark::State &state) {
         benchmark::ClobberMemory();
         for (int k = 0; k < kBatch; ++k)
             out[k] = glm::mat4_cast(q[k]);
-        benchmark::DoNotOptimize(out.data());
+        zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
     agree(state, sameAs(ourRotations(), out, 16, kRotationTolerance, [](const glm::mat4 &m) { return glm::value_ptr(m); }),
@@ -433,7 +433,7 @@ void eigenProduct(benchmark::State &state) {
         benchmark::ClobberMemory();
         for (int k = 0; k < kBatch; ++k)
             out[k].noalias() = a[k] * b[k];
-        benchmark::DoNotOptimize(out.data());
+        zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
     agree(state, sameAs(ourProducts(), out, 16, kProductTolerance, [](const Eigen::Matrix4f &m) { return m.data(); }),
@@ -448,7 +448,7 @@ void eigenInverse(benchmark::State &state) {
         benchmark::ClobberMemory();
         for (int k = 0; k < kBatch; ++k)
             out[k] = src[k].inverse();
-        benchmark::DoNotOptimize(out.data());
+        zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
     agree(state, sameAs(ourInverses(), out, 16, kInverseTolerance, [](const Eigen::Matrix4f &m) { return m.data(); }),
@@ -466,7 +466,7 @@ void eigenPoints(benchmark::State &state) {
         benchmark::ClobberMemory();
         for (std::size_t i = 0; i < in.size(); ++i)
             out[i] = (m * in[i].homogeneous()).hnormalized();
-        benchmark::DoNotOptimize(out.data());
+        zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
     agree(state, sameAs(ourPoints(), out, 3, kPointTolerance, [](const Eigen::Vector3f &v) { return v.data(); }),
@@ -481,7 +481,7 @@ void eigenQuatProduct(benchmark::State &state) {
         benchmark::ClobberMemory();
         for (int k = 0; k < kBatch; ++k)
             out[k] = a[k] * b[k];
-        benchmark::DoNotOptimize(out.data());
+        zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
     agree(state,
@@ -503,7 +503,7 @@ void eigenQuatToMatrix(benchmark::State &state) {
             out[k].setIdentity();
             out[k].topLeftCorner<3, 3>() = q[k].toRotationMatrix();
         }
-        benchmark::DoNotOptimize(out.data());
+        zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
     agree(state, sameAs(ourRotations(), out, 16, kRotationTolerance, [](const Eigen::Matrix4f &m) { return m.data(); }),
@@ -537,7 +537,7 @@ void imathProduct(benchmark::State &state) {
         benchmark::ClobberMemory();
         for (int k = 0; k < kBatch; ++k)
             out[k] = b[k] * a[k];
-        benchmark::DoNotOptimize(out.data());
+        zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
     agree(state, sameAs(ourProducts(), out, 16, kProductTolerance, [](const Imath::M44f &m) { return m.getValue(); }),
@@ -553,7 +553,7 @@ void imathInverse(benchmark::State &state) {
         benchmark::ClobberMemory();
         for (int k = 0; k < kBatch; ++k)
             out[k] = GaussJordan ? src[k].gjInverse() : src[k].inverse();
-        benchmark::DoNotOptimize(out.data());
+        zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
     agree(state, sameAs(ourInverses(), out, 16, kInverseTolerance, [](const Imath::M44f &m) { return m.getValue(); }),
@@ -572,7 +572,7 @@ void imathPoints(benchmark::State &state) {
         benchmark::ClobberMemory();
         for (std::size_t i = 0; i < in.size(); ++i)
             m.multVecMatrix(in[i], out[i]); // with the homogeneous divide
-        benchmark::DoNotOptimize(out.data());
+        zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
     agree(state, sameAs(ourPoints(), out, 3, kPointTolerance, [](const Imath::V3f &v) { return v.getValue(); }),
@@ -587,7 +587,7 @@ void imathQuatProduct(benchmark::State &state) {
         benchmark::ClobberMemory();
         for (int k = 0; k < kBatch; ++k)
             out[k] = a[k] * b[k];
-        benchmark::DoNotOptimize(out.data());
+        zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
     agree(state,
@@ -607,7 +607,7 @@ void imathQuatToMatrix(benchmark::State &state) {
         benchmark::ClobberMemory();
         for (int k = 0; k < kBatch; ++k)
             out[k] = q[k].toMatrix44();
-        benchmark::DoNotOptimize(out.data());
+        zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
     agree(state, sameAs(ourRotations(), out, 16, kRotationTolerance, [](const Imath::M44f &m) { return m.getValue(); }),

@@ -78,7 +78,7 @@ void zefSolve(benchmark::State &state, int n) {
         bool ok = LUDecomp::Triangularise_matrice(a.data(), b.data(), n);
         const double *x = LUDecomp::Resoud_matrice(a.data(), b.data(), n, &ok);
         solved = solved && ok;
-        benchmark::DoNotOptimize(x);
+        zefbench::consume(x);
         benchmark::ClobberMemory();
     }
     agree(state, solved, "a regular system was refused");
@@ -93,7 +93,7 @@ void zefInverse(benchmark::State &state, int n) {
         std::copy(s.a.begin(), s.a.end(), a.begin());
         double *inverse = LUDecomp::Inverse_Matrix(a.data(), n);
         inverted = inverted && inverse != nullptr;
-        benchmark::DoNotOptimize(inverse);
+        zefbench::consume(inverse);
         benchmark::ClobberMemory();
         delete[] inverse;
     }
@@ -125,7 +125,7 @@ void eigenSolve(benchmark::State &state, int n) {
     for (auto _ : state) {
         lu.compute(a);
         x = lu.solve(b);
-        benchmark::DoNotOptimize(x.data());
+        zefbench::consume(x.data());
         benchmark::ClobberMemory();
     }
     agree(state, close(x.data(), ourSolution(n)), "Eigen solution differs from ours");
@@ -139,7 +139,7 @@ void eigenInverse(benchmark::State &state, int n) {
     for (auto _ : state) {
         lu.compute(a);
         inverse = lu.inverse();
-        benchmark::DoNotOptimize(inverse.data());
+        zefbench::consume(inverse.data());
         benchmark::ClobberMemory();
     }
     // Ours is in row order, Eigen's in column order: compare the transpose.

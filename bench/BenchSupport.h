@@ -50,6 +50,13 @@ inline bool agree(benchmark::State &state, bool ok, const char *what) {
     return ok;
 }
 
+// Keeps value, and all memory, from being optimised away. Only ever reads value:
+// GCC can lose the write-back of the read-write form of DoNotOptimize.
+template <class T>
+inline void consume(const T &value) {
+    benchmark::DoNotOptimize(value);
+}
+
 // Counts one item per element of a batch, and names the item.
 inline void perItem(benchmark::State &state, std::int64_t itemsPerIteration, const char *item) {
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * itemsPerIteration);
