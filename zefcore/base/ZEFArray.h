@@ -1,41 +1,51 @@
-// ZEFArray: the library's array, a std::vector with int sizes and raw-pointer
-// begin()/end() that are both null when the array is empty. Elements that are
-// pointers are never followed: the array owns its storage, not what it points at.
-// Beside it: deletePtrArray and fillArithmeticalSuite.
+/// \file
+/// ZEFArray: the library's array, a std::vector with int sizes and raw-pointer
+/// begin()/end() that are both null when the array is empty. Elements that are
+/// pointers are never followed: the array owns its storage, not what it points at.
+/// Beside it: deletePtrArray and fillArithmeticalSuite.
 #pragma once
 
 #include <memory>
 #include <type_traits>
 #include <vector>
 
+/// The library's array: a std::vector with int sizes and null begin() and end() when empty.
 template <class T, class A = std::allocator<T>>
 class ZEFArray : public std::vector<T, A> {
 public:
+    /// The standard vector this array derives from.
     using Base = std::vector<T, A>;
 
     ZEFArray() = default;
+    /// Sets an empty array that allocates through allocator.
     explicit ZEFArray(const A &allocator) : Base(allocator) {}
 
-    // Returns the number of elements as int.
+    /// Returns the number of elements as int.
     int size() const { return static_cast<int>(Base::size()); }
 
-    // Returns the first element, or null if the array is empty (never a past-the-end pointer).
+    ///@{
+    /// Returns the first element, or null if the array is empty (never a past-the-end pointer).
     T *begin() { return Base::empty() ? nullptr : Base::data(); }
     const T *begin() const { return Base::empty() ? nullptr : Base::data(); }
-    // Returns the pointer behind the last element, or null if the array is empty.
+    ///@}
+    ///@{
+    /// Returns the pointer behind the last element, or null if the array is empty.
     T *end() { return Base::empty() ? nullptr : Base::data() + Base::size(); }
     const T *end() const { return Base::empty() ? nullptr : Base::data() + Base::size(); }
+    ///@}
 
-    // Returns the vector's own iterator at the first element.
+    ///@{
+    /// Returns the vector's own iterator at the first element.
     typename Base::iterator vbegin() { return Base::begin(); }
     typename Base::const_iterator vbegin() const { return Base::begin(); }
+    ///@}
 
-    // Sets the array to exactly count elements, all zero.
+    /// Sets the array to exactly count elements, all zero.
     void assign(int count) { Base::assign(static_cast<typename Base::size_type>(count), T(0)); }
 
-    // Removes the element at index (later elements move down, a pointer element is not
-    // deleted) and returns begin() + index: the new end() after removing the last, null
-    // when the array is now empty. Bad index: returns null, array unchanged.
+    /// Removes the element at index (later elements move down, a pointer element is not
+    /// deleted) and returns begin() + index: the new end() after removing the last, null
+    /// when the array is now empty. Bad index: returns null, array unchanged.
     T *erase(int index) {
         if (index < 0 || index >= size())
             return nullptr;
@@ -44,8 +54,8 @@ public:
         return first ? first + index : nullptr;
     }
 
-    // Removes the element at position; null if the array is empty or position lies
-    // outside [begin(), end()), the array then unchanged.
+    /// Removes the element at position; null if the array is empty or position lies
+    /// outside [begin(), end()), the array then unchanged.
     T *erase(T *position) {
         T *first = begin();
         if (!first || position < first || position >= end())
@@ -54,8 +64,8 @@ public:
     }
 };
 
-// Deletes every non-null pointer of the array with delete. The array keeps its size
-// and its now dangling pointers: empty or discard it right after.
+/// Deletes every non-null pointer of the array with delete. The array keeps its size
+/// and its now dangling pointers: empty or discard it right after.
 template <class Array>
 void deletePtrArray(Array &array) {
     for (int i = 0; i < array.size(); ++i) {
@@ -64,8 +74,8 @@ void deletePtrArray(Array &array) {
     }
 }
 
-// Stores start, start + step, start + 2 * step, ... into [first, last).
-// first at or above last: nothing. Integer progressions wrap around silently.
+/// Stores start, start + step, start + 2 * step, ... into [first, last).
+/// first at or above last: nothing. Integer progressions wrap around silently.
 template <class T>
 void fillArithmeticalSuite(T *first, T *last, const T &start, const T &step) {
     if constexpr (std::is_integral_v<T>) {
