@@ -39,7 +39,7 @@ inline void missing(const std::string &caseName, const std::string &route, const
         state.SkipWithError(why.c_str());
         for (auto _ : state) {
         }
-    })->Iterations(1);
+    });
 }
 
 // Marks the row failed when a route disagrees with ours on the shared data; the
