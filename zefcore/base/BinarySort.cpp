@@ -37,8 +37,10 @@ void BinarySort::addItem(const unsigned char *data, unsigned int size) {
     if (size == 0)
         return;
     std::unique_ptr<Column[]> added(new Column[size]);
+    // A null record array (an empty table) gives null columns: no offset is applied
+    // to a null pointer.
     for (unsigned int j = 0; j < size; ++j)
-        added[j] = Column{data + j, size};
+        added[j] = Column{data ? data + j : nullptr, size};
     append(added.get(), size);
 }
 
