@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <new>
 
 namespace {
@@ -56,59 +57,157 @@ POINT3D eliminatedRhs(const POINT3D &fi, const POINT3D &fk, double c) {
     return POINT3D{x, y, z};
 }
 
-// Eliminates the system held in plane 0 of planes/rhs (n * n and n elements per
-// plane, packed with stride n), and copies the triangular form to a and b.
+// Elimination stages whose updates of the columns right of their pivots are
+// applied together, row by row: every element still receives the same updates
+// in the same order, each product and difference rounded to double as before.
+constexpr int kStageBlock = 16;
+
+#define ZEF_ALWAYS_INLINE inline __attribute__((always_inline))
+
+// Sets x[j] = x[j] - m * u[j] for j < len.
+ZEF_ALWAYS_INLINE void subtractScaled1(double *__restrict x, const double *__restrict u, double m,
+                                       std::ptrdiff_t len) {
+    for (std::ptrdiff_t j = 0; j < len; ++j)
+        x[j] = x[j] - m * u[j];
+}
+
+// Sets x[j] = (((x[j] - m0*u0[j]) - m1*u1[j]) - m2*u2[j]) - m3*u3[j] for j < len:
+// four single updates in this order, each rounded, with one load and store of x.
+ZEF_ALWAYS_INLINE void subtractScaled4(double *__restrict x, const double *__restrict u0,
+                                       const double *__restrict u1, const double *__restrict u2,
+                                       const double *__restrict u3, const double *m, std::ptrdiff_t len) {
+    const double m0 = m[0], m1 = m[1], m2 = m[2], m3 = m[3];
+    for (std::ptrdiff_t j = 0; j < len; ++j) {
+        double v = x[j];
+        v = v - m0 * u0[j];
+        v = v - m1 * u1[j];
+        v = v - m2 * u2[j];
+        v = v - m3 * u3[j];
+        x[j] = v;
+    }
+}
+
+// The pending updates of one block of stages: stage k0 + t has multiplier
+// mult[i * stride + t] for row i, and pivot row k0 + t.
+struct StageBlock {
+    double *plane;
+    int n;
+    int k0;
+    const double *mult;
+    int stride;
+    const int *active; // ascending slots t of the stages that eliminated
+    int count;
+};
+
+// Sets columns col .. n-1 of rows rowBegin .. rowEnd-1 to receive the first
+// `count` active stages of the block, in stage order. Vector width is chosen at
+// load; the arithmetic is the same on every path.
+__attribute__((target_clones("avx2", "default"))) void applyStages(const StageBlock &blk, int count, int col,
+                                                                   int rowBegin, int rowEnd) {
+    const std::ptrdiff_t len = blk.n - col;
+    const double *pivot[kStageBlock];
+    for (int s = 0; s < count; ++s)
+        pivot[s] = blk.plane + at(blk.k0 + blk.active[s], col, blk.n);
+    for (int i = rowBegin; i < rowEnd; ++i) {
+        double *x = blk.plane + at(i, col, blk.n);
+        const double *m = blk.mult + std::ptrdiff_t(i) * blk.stride;
+        int s = 0;
+        for (; s + 4 <= count; s += 4) {
+            const double c[4] = {m[blk.active[s]], m[blk.active[s + 1]], m[blk.active[s + 2]],
+                                 m[blk.active[s + 3]]};
+            subtractScaled4(x, pivot[s], pivot[s + 1], pivot[s + 2], pivot[s + 3], c, len);
+        }
+        for (; s < count; ++s)
+            subtractScaled1(x, pivot[s], m[blk.active[s]], len);
+    }
+}
+
+// Eliminates the system a, b (copied into plane 0 of planes/rhs, stride n) and
+// copies the triangular form back to a and b. Plane 1 holds the multipliers of
+// the current block of stages. Each stage k picks its pivot and eliminates
+// columns up to the block's end at once; the columns behind the block receive
+// the block's stages afterwards, row by row, in stage order. A row exchange
+// moves a row's pending multipliers with it, so every element sees exactly the
+// sequence of values a stage-by-stage elimination gives it.
 template <class Rhs>
 void eliminate(double *planes, Rhs *rhs, double *a, Rhs *b, int n) {
     const std::size_t nn = std::size_t(n) * std::size_t(n);
-    double *P[2] = {planes, planes + nn};
-    Rhs *F[2] = {rhs, rhs + n};
-    std::memcpy(P[0], a, nn * sizeof(double));
-    std::memcpy(F[0], b, std::size_t(n) * sizeof(Rhs));
-    int cur = 0;
-    int next = 1;
-    for (int k = 0; k + 1 < n; ++k) {
-        double *pc = P[cur];
-        double *pn = P[next];
-        double p = pc[at(k, k, n)];
-        int r = 0;
-        if (std::fabs(p) < kPivotMin) {
-            // The first row large enough, not the largest; !(x < min) lets NaN through.
-            r = k + 1;
-            while (r < n && std::fabs(pc[at(r, k, n)]) < kPivotMin)
-                ++r;
+    double *P = planes;
+    double *mult = planes + nn;
+    const int stride = n < kStageBlock ? n : kStageBlock; // n * stride <= n * n
+    Rhs *F = rhs;
+    std::memcpy(P, a, nn * sizeof(double));
+    std::memcpy(F, b, std::size_t(n) * sizeof(Rhs));
+    int active[kStageBlock];
+    for (int k0 = 0; k0 + 1 < n; k0 += stride) {
+        const int kEnd = (n - 1 - k0 < stride) ? n - 1 : k0 + stride; // stages k0 .. kEnd-1
+        int count = 0;
+        for (int k = k0; k < kEnd; ++k) {
+            const int t = k - k0;
+            double p = P[at(k, k, n)];
+            int r = 0;
+            if (std::fabs(p) < kPivotMin) {
+                // The first row large enough, not the largest; !(x < min) lets NaN through.
+                r = k + 1;
+                while (r < n && std::fabs(P[at(r, k, n)]) < kPivotMin)
+                    ++r;
+                if (r < n) {
+                    LUDecomp::Permut_lignes(P, n, n, k, r, k);
+                    double *mk = mult + std::ptrdiff_t(k) * stride;
+                    double *mr = mult + std::ptrdiff_t(r) * stride;
+                    for (int s = 0; s < t; ++s) {
+                        const double saved = mk[s];
+                        mk[s] = mr[s];
+                        mr[s] = saved;
+                    }
+                    swapRhs(F, k, r, n);
+                    p = P[at(k, k, n)];
+                }
+            }
             if (r < n) {
-                LUDecomp::Permut_lignes(pc, n, n, k, r, k);
-                swapRhs(F[cur], k, r, n);
-                p = pc[at(k, k, n)];
+                for (int i = k + 1; i < n; ++i) {
+                    const double c = P[at(i, k, n)] / p;
+                    mult[std::ptrdiff_t(i) * stride + t] = c;
+                    for (int j = k + 1; j < kEnd; ++j)
+                        P[at(i, j, n)] = P[at(i, j, n)] - c * P[at(k, j, n)];
+                    P[at(i, k, n)] = 0.0;
+                    F[i] = eliminatedRhs(F[i], F[k], c);
+                }
+                active[count++] = t;
+            } else {
+                // No usable pivot: the small elements below the diagonal are dropped.
+                for (int i = k + 1; i < n; ++i)
+                    P[at(i, k, n)] = 0.0;
             }
         }
-        std::memcpy(pn, pc, nn * sizeof(double));
-        std::memcpy(F[next], F[cur], std::size_t(n) * sizeof(Rhs));
-        if (r < n) {
-            for (int i = k + 1; i < n; ++i) {
-                const double c = pc[at(i, k, n)] / p;
-                for (int j = k + 1; j < n; ++j)
-                    pn[at(i, j, n)] = pc[at(i, j, n)] - c * pc[at(k, j, n)];
-                pn[at(i, k, n)] = 0.0;
-                F[next][i] = eliminatedRhs(F[cur][i], F[cur][k], c);
-            }
-        } else {
-            // No usable pivot: the small elements below the diagonal are dropped.
-            for (int i = k + 1; i < n; ++i)
-                pn[at(i, k, n)] = 0.0;
+        if (count == 0)
+            continue;
+        const StageBlock blk{P, n, k0, mult, stride, active, count};
+        // The block's pivot rows first, each with the active stages above it.
+        int above = 0;
+        for (int row = k0 + 1; row < kEnd; ++row) {
+            while (above < count && active[above] < row - k0)
+                ++above;
+            if (above > 0)
+                applyStages(blk, above, kEnd, row, row + 1);
         }
-        cur = next;
-        next = 1 - cur;
+        applyStages(blk, count, kEnd, kEnd, n);
     }
-    std::memcpy(a, P[cur], nn * sizeof(double));
-    std::memcpy(b, F[cur], std::size_t(n) * sizeof(Rhs));
+    std::memcpy(a, P, nn * sizeof(double));
+    std::memcpy(b, F, std::size_t(n) * sizeof(Rhs));
 }
 
-// Sets column j of m to column j minus q times column k, over all n rows.
-void subtractColumn(double *m, int n, int j, int k, double q) {
-    for (int i = 0; i < n; ++i)
-        m[at(i, j, n)] -= m[at(i, k, n)] * q;
+// Sets, in every row i of the n * n matrix m, m[i][j] = m[i][j] - m[i][k] * q[j]
+// for j in [jBegin, jEnd), k outside that range: the update of those columns by
+// column k, done row by row. Vector width is chosen at load.
+__attribute__((target_clones("avx2", "default"))) void subtractColumnMultiples(double *m, int n, int k,
+                                                                               const double *q, int jBegin,
+                                                                               int jEnd) {
+    const std::ptrdiff_t len = jEnd - jBegin;
+    for (int i = 0; i < n; ++i) {
+        double *row = m + at(i, 0, n);
+        subtractScaled1(row + jBegin, q + jBegin, row[k], len);
+    }
 }
 
 } // namespace
@@ -261,9 +360,12 @@ double *LUDecomp::Inverse_Matrix(double *a, int n) {
     if (n < 0)
         return nullptr;
     const std::size_t nn = std::size_t(n) * std::size_t(n);
+    // q[j] of a stage: a[k][j] / a[k][k]; a[k][j] changes only in column j's own
+    // update, so all are taken before the columns are updated row by row.
+    std::unique_ptr<double[]> q(new double[n > 0 ? std::size_t(n) : 1]);
     double *e = new double[nn];
-    for (std::size_t q = 0; q < nn; ++q)
-        e[q] = 0.0;
+    for (std::size_t x = 0; x < nn; ++x)
+        e[x] = 0.0;
     for (int i = 0; i < n; ++i)
         e[at(i, i, n)] = 1.0;
 
@@ -292,18 +394,16 @@ double *LUDecomp::Inverse_Matrix(double *a, int n) {
                 e[at(i, pivot, n)] = t;
             }
         }
-        for (int j = k + 1; j < n; ++j) {
-            const double q = a[at(k, j, n)] / a[at(k, k, n)];
-            subtractColumn(a, n, j, k, q);
-            subtractColumn(e, n, j, k, q);
-        }
+        for (int j = k + 1; j < n; ++j)
+            q[j] = a[at(k, j, n)] / a[at(k, k, n)];
+        subtractColumnMultiples(a, n, k, q.get(), k + 1, n);
+        subtractColumnMultiples(e, n, k, q.get(), k + 1, n);
     }
     for (int k = n - 1; k >= 0; --k) {
-        for (int j = k - 1; j >= 0; --j) {
-            const double q = a[at(k, j, n)] / a[at(k, k, n)];
-            subtractColumn(a, n, j, k, q);
-            subtractColumn(e, n, j, k, q);
-        }
+        for (int j = k - 1; j >= 0; --j)
+            q[j] = a[at(k, j, n)] / a[at(k, k, n)];
+        subtractColumnMultiples(a, n, k, q.get(), 0, k);
+        subtractColumnMultiples(e, n, k, q.get(), 0, k);
     }
     for (int i = 0; i < n; ++i) {
         for (int j = 0; j < n; ++j)
