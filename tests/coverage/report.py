@@ -5,6 +5,8 @@ Writes, under <build>/coverage/: files.txt (line and branch coverage per source
 file), coverage.json (gcovr's data), summary.txt (the totals) and
 uncalled-exports.txt (exported functions of the library that no test reached).
 Exits non-zero if line coverage is below --min-lines or an export was never called.
+The counters (.gcda files) are deleted once read, so that the next run of the tests
+is measured from zero and not on top of this one.
 """
 import argparse
 import json
@@ -55,6 +57,8 @@ def main():
         check=True, capture_output=True, text=True).stdout
     (out / "summary.txt").write_text(summary)
     print(summary, end="")
+    for counters in pathlib.Path(args.build).rglob("*.gcda"):
+        counters.unlink()
 
     called = set()
     seen = set()
