@@ -129,6 +129,11 @@ TEST(MatRot4f, TranslationsSidesCentresAndTranspose) {
         EXPECT_TRUE((*r * c).equalsEps(c, kRotationTolerance));
         EXPECT_TRUE((*r * (c + x)).equalsEps(c + y, kRotationTolerance));
     }
+    // Euler angles inside their ranges come back, in their own order.
+    byEuler.setRotateAround(0.3f, -0.4f, 1.1f, c);
+    float ex = 0.0f, ey = 0.0f, ez = 0.0f;
+    byEuler.getEuler(ex, ey, ez);
+    EXPECT_TRUE(Vector3f(ex, ey, ez).equalsEps(Vector3f(0.3f, -0.4f, 1.1f), kRotationTolerance));
     // transpose3 swaps the 3x3 block across its diagonal; translation and bottom row stay.
     MatRot4f tr = m;
     tr.getValue()[7] = kSentinel;
