@@ -8,18 +8,23 @@
 #include <limits>
 #include <random>
 
+#include "support/TestSupport.h"
+
+using zeftest::sameBits;
+
 namespace {
 
 constexpr float kSentinel = -12345.5f;
+const float kIdentity[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
 
-EnhancedMathFunctions const &k() { return *EnhancedMathFunctions::getCurrent(); }
+EnhancedMathFunctions const &k() { return zeftest::kernel(); }
 
 void diag(float *m, float a, float b, float c) {
-    for (int i = 0; i < 16; ++i)
-        m[i] = (i == 0) ? a : (i == 5) ? b : (i == 10) ? c : (i == 15) ? 1.0f : 0.0f;
+    std::copy(kIdentity, kIdentity + 16, m);
+    m[0] = a, m[5] = b, m[10] = c;
 }
 
-// Element (row, col) of a column-major 16-float matrix.
+// Element (row, col) of a matrix in storage order.
 double at(float const *m, int row, int col) { return m[4 * col + row]; }
 
 // Largest deviation of the 3x3 block of m from an orthonormal matrix.
@@ -32,31 +37,47 @@ double orthoDefect(float const *m) {
     return worst;
 }
 
+// Counts the sister operations factor reaches; forces a determinant and the eigenvalues.
+class CountingKernel : public EnhancedMathFunctions {
+public:
+    mutable int copies = 0, identities = 0, transposes = 0, products = 0, jacobis = 0;
+    float forcedDet = 0.0f;
+    void copyMat4fTo(float *const o, float const *const m) const override {
+        ++copies, EnhancedMathFunctions::copyMat4fTo(o, m);
+    }
+    void setIdentity(float *const o) const override { ++identities, EnhancedMathFunctions::setIdentity(o); }
+    void transpose(float *const o, float const *const m) const override {
+        ++transposes, EnhancedMathFunctions::transpose(o, m);
+    }
+    void multMatrices(float *const o, float const *const a, float const *const b) const override {
+        ++products, EnhancedMathFunctions::multMatrices(o, a, b);
+    }
+    float det3(float const *const) const override { return forcedDet; }
+    void jacobi3(float *const ev, float (*const V)[3], int &rots, float const *const) const override {
+        ++jacobis;
+        for (int i = 0; i < 9; ++i)
+            V[i / 3][i % 3] = (i % 4 == 0) ? 1.0f : 0.0f;
+        ev[0] = 2.0f, ev[1] = 3.0f, ev[2] = 5.0f, rots = 0;
+    }
+};
+
 } // namespace
 
 TEST(Jacobi3, DiagonalAndHandTracedRotation) {
-    float m[16];
-    float ev[3] = {kSentinel, kSentinel, kSentinel};
-    float V[3][3];
+    float m[16], ev[3] = {kSentinel, kSentinel, kSentinel}, V[3][3];
     int rots = -1;
     diag(m, 4.0f, -9.0f, 16.0f);
     k().jacobi3(ev, V, rots, m);
-    EXPECT_EQ(rots, 0);
-    EXPECT_TRUE(ev[0] == 4.0f && ev[1] == -9.0f && ev[2] == 16.0f);
-    for (int i = 0; i < 9; ++i)
-        EXPECT_EQ(V[i / 3][i % 3], (i % 4 == 0) ? 1.0f : 0.0f);
+    EXPECT_TRUE(rots == 0 && sameBits(ev, {4.0f, -9.0f, 16.0f}));
+    EXPECT_TRUE(sameBits(&V[0][0], {1, 0, 0, 0, 1, 0, 0, 0, 1}));
 
     // Rows (2, 1, 0), (1, 2, 0), (0, 0, 3): one rotation with t = 1, then a zero sum.
     float const m2[16] = {2, 1, 0, 0, 1, 2, 0, 0, 0, 0, 3, 0, 0, 0, 0, 1};
     k().jacobi3(ev, V, rots, m2);
-    EXPECT_EQ(rots, 3);
-    EXPECT_TRUE(ev[0] == 1.0f && ev[1] == 3.0f && ev[2] == 3.0f);
+    EXPECT_TRUE(rots == 3 && sameBits(ev, {1.0f, 3.0f, 3.0f}));
     double const c = 1.0 / std::sqrt(2.0), s = c, tau = s / (1.0 + c);
-    EXPECT_EQ(V[0][0], float(1.0 - s * (0.0 + 1.0 * tau)));
-    EXPECT_EQ(V[0][1], float(0.0 + s * (1.0 - 0.0 * tau)));
-    EXPECT_EQ(V[1][0], float(0.0 - s * (1.0 + 0.0 * tau)));
-    EXPECT_EQ(V[1][1], float(1.0 + s * (0.0 - 1.0 * tau)));
-    EXPECT_TRUE(V[2][2] == 1.0f && V[0][2] == 0.0f && V[2][0] == 0.0f);
+    EXPECT_TRUE(
+        sameBits(&V[0][0], {float(1.0 - s * tau), float(s), 0, float(-s), float(1.0 - s * tau), 0, 0, 0, 1}));
 
     // Not a number never converges: fifty sweeps of three pairs.
     diag(m, 1.0f, 2.0f, 3.0f);
@@ -83,7 +104,8 @@ TEST(Jacobi3, RandomSymmetricDecomposesReadingOneTriangle) {
             for (int r = 0; r < 3; ++r)
                 ASSERT_NEAR(at(m, r, 0) * V[0][e] + at(m, r, 1) * V[1][e] + at(m, r, 2) * V[2][e],
                             double(ev[e]) * V[r][e], kResidualTolerance * scale);
-        float evT[16] = {V[0][0], V[1][0], V[2][0], 0, V[0][1], V[1][1], V[2][1], 0, V[0][2], V[1][2], V[2][2]};
+        float evT[16] = {V[0][0], V[1][0], V[2][0], 0,       V[0][1], V[1][1],
+                         V[2][1], 0,       V[0][2], V[1][2], V[2][2]};
         ASSERT_LT(orthoDefect(evT), kResidualTolerance);
 
         // Only the diagonal and flat 1, 2, 6 are read.
@@ -93,39 +115,29 @@ TEST(Jacobi3, RandomSymmetricDecomposesReadingOneTriangle) {
         float ev2[3], V2[3][3];
         int rots2 = -1;
         k().jacobi3(ev2, V2, rots2, m);
-        ASSERT_EQ(rots2, rots);
-        ASSERT_EQ(std::memcmp(ev, ev2, sizeof ev), 0);
-        ASSERT_EQ(std::memcmp(V, V2, sizeof V), 0);
+        ASSERT_TRUE(rots2 == rots && sameBits(ev2, ev, 3) && sameBits(&V2[0][0], &V[0][0], 9));
     }
 }
 
 TEST(Factor, StatedCases) {
     float m[16], r[16], s[3], u[16], t[3], proj[16];
-    auto isIdentity = [](float const *a) {
-        for (int i = 0; i < 16; ++i)
-            if (a[i] != ((i % 5 == 0) ? 1.0f : 0.0f))
-                return false;
-        return true;
-    };
     diag(m, 1.0f, 1.0f, 1.0f);
     m[12] = 1.0f, m[13] = 2.0f, m[14] = 3.0f;
     m[3] = 0.5f, m[15] = 4.0f; // a projective bottom row is ignored
     ASSERT_TRUE(k().factor(r, s, u, t, proj, m));
-    EXPECT_TRUE(t[0] == 1.0f && t[1] == 2.0f && t[2] == 3.0f);
-    EXPECT_TRUE(s[0] == 1.0f && s[1] == 1.0f && s[2] == 1.0f);
-    EXPECT_TRUE(isIdentity(r) && isIdentity(u) && isIdentity(proj));
+    EXPECT_TRUE(sameBits(t, {1, 2, 3}) && sameBits(s, {1, 1, 1}));
+    EXPECT_TRUE(sameBits(r, kIdentity, 16) && sameBits(u, kIdentity, 16) && sameBits(proj, kIdentity, 16));
 
     diag(m, 2.0f, 3.0f, 4.0f);
     ASSERT_TRUE(k().factor(r, s, u, t, proj, m));
-    EXPECT_TRUE(s[0] == 2.0f && s[1] == 3.0f && s[2] == 4.0f);
-    EXPECT_TRUE(isIdentity(r));
+    EXPECT_TRUE(sameBits(s, {2, 3, 4}) && sameBits(r, kIdentity, 16));
 
     // A mirror: every scale negative, u the rotation diag(1, -1, -1) of determinant +1.
     diag(m, -1.0f, 1.0f, 1.0f);
     ASSERT_TRUE(k().factor(r, s, u, t, proj, m));
-    EXPECT_TRUE(s[0] == -1.0f && s[1] == -1.0f && s[2] == -1.0f);
+    EXPECT_TRUE(sameBits(s, {-1, -1, -1}));
     diag(m, 1.0f, -1.0f, -1.0f);
-    EXPECT_EQ(std::memcmp(u, m, sizeof u), 0);
+    EXPECT_TRUE(sameBits(u, m, 16));
 
     // Invertible but below the bound: t and proj written, r, s, u untouched.
     std::fill(r, r + 16, kSentinel), std::fill(u, u + 16, kSentinel), std::fill(s, s + 3, kSentinel);
@@ -133,7 +145,7 @@ TEST(Factor, StatedCases) {
     diag(m, 1e-5f, 1e-5f, 1e-5f);
     m[14] = 7.0f;
     EXPECT_FALSE(k().factor(r, s, u, t, proj, m));
-    EXPECT_TRUE(t[2] == 7.0f && isIdentity(proj));
+    EXPECT_TRUE(t[2] == 7.0f && sameBits(proj, kIdentity, 16));
     for (int i = 0; i < 16; ++i)
         ASSERT_TRUE(r[i] == kSentinel && u[i] == kSentinel && s[i % 3] == kSentinel);
 
@@ -163,9 +175,7 @@ TEST(Factor, RandomAffineRebuildsFromItsParts) {
         double const small = std::fmin(std::fmin(std::fabs(s[0]), std::fabs(s[1])), std::fabs(s[2]));
         // The scales come from M^T * M: errors grow with the square of the condition.
         double const tol = kTolerance * (big / small) * (big / small);
-        double const detU = at(u, 0, 0) * (at(u, 1, 1) * at(u, 2, 2) - at(u, 1, 2) * at(u, 2, 1)) -
-                            at(u, 0, 1) * (at(u, 1, 0) * at(u, 2, 2) - at(u, 1, 2) * at(u, 2, 0)) +
-                            at(u, 0, 2) * (at(u, 1, 0) * at(u, 2, 1) - at(u, 1, 1) * at(u, 2, 0));
+        double const detU = k().det3(u);
         ASSERT_LT(orthoDefect(r), kTolerance * 10);
         ASSERT_LT(orthoDefect(u), tol);
         ASSERT_NEAR(detU, 1.0, tol);
@@ -179,31 +189,6 @@ TEST(Factor, RandomAffineRebuildsFromItsParts) {
             }
     }
 }
-
-namespace {
-
-// Counts the sister operations factor reaches; can force a determinant and eigenvalues.
-class CountingKernel : public EnhancedMathFunctions {
-public:
-    mutable int copies = 0, identities = 0, transposes = 0, products = 0, jacobis = 0;
-    float forcedDet = 0.0f;
-    void copyMat4fTo(float *const o, float const *const m) const override { ++copies, EnhancedMathFunctions::copyMat4fTo(o, m); }
-    void setIdentity(float *const o) const override { ++identities, EnhancedMathFunctions::setIdentity(o); }
-    void transpose(float *const o, float const *const m) const override { ++transposes, EnhancedMathFunctions::transpose(o, m); }
-    void multMatrices(float *const o, float const *const a, float const *const b) const override {
-        ++products, EnhancedMathFunctions::multMatrices(o, a, b);
-    }
-    float det3(float const *const) const override { return forcedDet; }
-    void jacobi3(float *const ev, float (*const V)[3], int &rots, float const *const) const override {
-        ++jacobis;
-        for (int i = 0; i < 3; ++i)
-            for (int j = 0; j < 3; ++j)
-                V[i][j] = (i == j) ? 1.0f : 0.0f;
-        ev[0] = 2.0f, ev[1] = 3.0f, ev[2] = 5.0f, rots = 0;
-    }
-};
-
-} // namespace
 
 TEST(Factor, ReachesSisterOperationsByVirtualCall) {
     CountingKernel kernel;

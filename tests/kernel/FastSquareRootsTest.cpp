@@ -4,24 +4,16 @@
 
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <random>
+
+#include "support/TestSupport.h"
+
+using zeftest::bitsOf;
+using zeftest::floatOf;
 
 namespace {
 
-std::uint32_t bitsOf(float f) {
-    std::uint32_t b;
-    std::memcpy(&b, &f, sizeof b);
-    return b;
-}
-
-float floatOf(std::uint32_t b) {
-    float f;
-    std::memcpy(&f, &b, sizeof f);
-    return f;
-}
-
-EnhancedMathFunctions const &k() { return *EnhancedMathFunctions::getCurrent(); }
+EnhancedMathFunctions const &k() { return zeftest::kernel(); }
 
 // One Newton step towards 1/sqrt(x), in double, rounded to float.
 float step(float y, float x) { return float(double(y) * (3.0 - double(x) * y * y) * 0.5); }
@@ -36,13 +28,9 @@ TEST(FastSquareRoots, SeedCarriesEveryTableRow) {
         // x in [0.5, 1) gives the exponent field 127, x in [1, 2) gives 126.
         EXPECT_EQ(bitsOf(k().invSqrt(x, 0)), (((i < 64) ? 127u : 126u) << 23) | (entry << 15)) << i;
     }
-    auto row = [](std::uint32_t i) { return (bitsOf(k().invSqrt(floatOf((i | 0x1F80u) << 17), 0)) >> 15) & 0xFFu; };
-    EXPECT_EQ(row(0), 0x6Au);
-    EXPECT_EQ(row(1), 0x67u);
-    EXPECT_EQ(row(63), 0x01u);
-    EXPECT_EQ(row(64), 0xFFu);
-    EXPECT_EQ(row(65), 0xFCu);
-    EXPECT_EQ(row(127), 0x6Bu);
+    std::uint32_t const rows[6][2] = {{0, 0x6A}, {1, 0x67}, {63, 0x01}, {64, 0xFF}, {65, 0xFC}, {127, 0x6B}};
+    for (auto const &row : rows)
+        EXPECT_EQ((bitsOf(k().invSqrt(floatOf((row[0] | 0x1F80u) << 17), 0)) >> 15) & 0xFFu, row[1]);
 }
 
 TEST(FastSquareRoots, StatedValues) {
@@ -52,12 +40,10 @@ TEST(FastSquareRoots, StatedValues) {
     EXPECT_EQ(bitsOf(k().invSqrt(2.0f, 0)), 0x3F350000u);
     EXPECT_EQ(k().invSqrt(2.0f), float(0.7071067690849304));
     EXPECT_EQ(bitsOf(k().invSqrt(4.0f, 0)), 0x3EFF8000u);
-    EXPECT_EQ(k().invSqrt(4.0f, 0), 0.4990234375f);
     EXPECT_EQ(k().invSqrt(4.0f, 2), 0.5f);
     EXPECT_EQ(k().invSqrt(4.0f, -1), 0.4990234375f);
     constexpr double kNearTenTolerance = 1e-5;
     EXPECT_NEAR(k().msqrt(100.0f), 10.00003, kNearTenTolerance);
-    EXPECT_EQ(k().msqrt(100.0f, 2), float(1.0 / k().invSqrt(100.0f, 2)));
     // Zero: the seed 1.3042424520864956e19, times 1.5 per step; the sign is ignored in the seed.
     EXPECT_EQ(k().invSqrt(0.0f, 0), float(1.3042424520864956e+19));
     EXPECT_EQ(k().invSqrt(0.0f), float(1.3042424520864956e+19 * 1.5));
@@ -72,8 +58,8 @@ TEST(FastSquareRoots, SeedLayoutAndEachStepRounded) {
         std::uint32_t const e = exponent(rng);
         float const x = floatOf((e << 23) | mantissa(rng));
         std::uint32_t const seed = bitsOf(k().invSqrt(-x, 0));
-        ASSERT_EQ(seed >> 23, (380u - e) / 2u) << x;   // sign clear, exponent halved
-        ASSERT_EQ(seed & 0x7FFFu, 0u) << x;             // low 15 mantissa bits clear
+        ASSERT_EQ(seed >> 23, (380u - e) / 2u) << x; // sign clear, exponent halved
+        ASSERT_EQ(seed & 0x7FFFu, 0u) << x;           // low 15 mantissa bits clear
         ASSERT_EQ(seed, bitsOf(k().invSqrt(x, 0))) << x;
         float y = floatOf(seed);
         for (int n = 1; n <= 3; ++n) {
@@ -88,21 +74,5 @@ TEST(FastSquareRoots, SeedLayoutAndEachStepRounded) {
         ASSERT_EQ(bitsOf(k().invSqrt(x)), bitsOf(k().invSqrt(x, 1)));
         ASSERT_EQ(bitsOf(k().msqrt(x)), bitsOf(k().msqrt(x, 1)));
     }
-    // The samples tell a step in double from one in float.
-    EXPECT_GT(differsFromFloatStep, 100);
-}
-
-TEST(FastSquareRoots, RelativeErrorBounds) {
-    constexpr double kSeedBound = 0.0079;
-    constexpr double kOneStepBound = 0.000094;
-    constexpr double kTwoStepBound = 1.2e-7; // about one float rounding, 2^-23
-    // Every 2^-11 mantissa step of [0.5, 2) covers all rows; powers of four scale exactly.
-    for (std::uint32_t b = 0x3F000000u; b < 0x40000000u; b += 0x1000u) {
-        float const x = floatOf(b);
-        double const exact = 1.0 / std::sqrt(double(x));
-        EXPECT_LT(std::fabs(k().invSqrt(x, 0) - exact) / exact, kSeedBound) << x;
-        EXPECT_LT(std::fabs(k().invSqrt(x, 1) - exact) / exact, kOneStepBound) << x;
-        EXPECT_LT(std::fabs(k().invSqrt(x, 2) - exact) / exact, kTwoStepBound) << x;
-        EXPECT_LT(std::fabs(k().invSqrt(x, 6) - exact) / exact, kTwoStepBound) << x;
-    }
+    EXPECT_GT(differsFromFloatStep, 100); // the samples tell a step in double from one in float
 }

@@ -3,21 +3,16 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdint>
 #include <cstring>
 #include <random>
 #include <utility>
 
+#include "support/TestSupport.h"
+
+using zeftest::kernel;
+using zeftest::sameBits;
+
 namespace {
-
-EnhancedMathFunctions const &kernel() {
-    return *EnhancedMathFunctions::getCurrent();
-}
-
-// Full random mantissa, magnitude 2^-12 to 2^12: the order of terms in a sum shows in its bits.
-float randomFloat(std::mt19937 &rng) {
-    return float(std::ldexp(double(std::int32_t(rng())) * 0x1p-31, int(rng() % 25u) - 12));
-}
 
 // Gauss-Jordan on the augmented rows [row | identity] in flat order, reached through a
 // permutation: the kernel's order of pivots and updates, written independently.
@@ -66,49 +61,40 @@ TEST(MatrixOperations, ProductsSumInDoubleInTheGivenOrder) {
     std::mt19937 rng(7u);
     int floatSumDiffers = 0;
     for (int n = 0; n < 500; ++n) {
-        float a[16], b[16], out[16], want[16], v[3], w[3];
-        for (int i = 0; i < 16; ++i) {
-            a[i] = randomFloat(rng);
-            b[i] = randomFloat(rng);
-        }
-        for (int i = 0; i < 16; ++i) {
-            double s = 0.0;
-            float fs = 0.0f;
-            for (int k = 0; k < 4; ++k) {
-                s += double(a[4 * k + i % 4]) * b[i - i % 4 + k];
-                fs = fs + a[4 * k + i % 4] * b[i - i % 4 + k];
-            }
-            want[i] = float(s);
-            floatSumDiffers += fs != want[i];
-        }
+        float a[16], b[16], out[16], want[16], v[4], w[4];
+        zeftest::randomFloats(rng, a, 16, 12);
+        zeftest::randomFloats(rng, b, 16, 12);
+        zeftest::referenceProduct(want, a, b);
         kernel().multMatrices(out, a, b);
-        EXPECT_EQ(std::memcmp(out, want, sizeof out), 0);
+        EXPECT_TRUE(sameBits(out, want, 16));
+        floatSumDiffers += ((a[0] * b[0] + a[4] * b[1]) + a[8] * b[2]) + a[12] * b[3] != want[0];
 
-        for (float &f : v)
-            f = randomFloat(rng);
+        zeftest::randomFloats(rng, v, 4, 12);
+        for (int k = 0; k < 4; ++k)
+            w[k] = float(double(a[k]) * v[0] + double(a[4 + k]) * v[1] + double(a[8 + k]) * v[2] +
+                         double(a[12 + k]) * v[3]);
+        kernel().multMatrixVec4f(v, a, v); // in place
+        EXPECT_TRUE(sameBits(v, w, 4));
         const double hw = double(a[3]) * v[0] + double(a[7]) * v[1] + double(a[11]) * v[2] + a[15];
         for (int k = 0; k < 3; ++k)
             w[k] = float(
                 (double(a[k]) * v[0] + double(a[4 + k]) * v[1] + double(a[8 + k]) * v[2] + a[12 + k]) / hw);
         kernel().multMatrixVec3f(v, a, v); // in place
-        EXPECT_EQ(std::memcmp(v, w, sizeof v), 0);
+        EXPECT_TRUE(sameBits(v, w, 3));
     }
-    EXPECT_GT(floatSumDiffers, 100); // float accumulation would be caught
-
-    // T(1, 0, 0) * S(2): the scale acts first. A bottom row (0, 0, 1, 0) divides by z.
-    float t[16], s[16], ts[16], p[3] = {1, 0, 0}, q[3] = {2, 4, 0};
-    const float one[3] = {1, 0, 0}, two[3] = {2, 2, 2};
-    kernel().setTranslate(t, one);
-    kernel().setScale(s, two);
-    kernel().multMatrices(ts, t, s);
-    kernel().multMatrixVec3f(p, ts, p);
-    EXPECT_EQ(p[0], 3.0f);
-    ts[11] = 1.0f;
-    ts[15] = 0.0f;
-    kernel().multMatrixVec3f(q, ts, q);
-    EXPECT_TRUE(q[0] == 0.0f && q[1] == 0.0f && q[2] == 0.0f);
-    q[2] = std::nextafter(0.0f, 1.0f); // the smallest non-zero w still divides
-    kernel().multMatrixVec3f(q, ts, q);
+    EXPECT_GT(floatSumDiffers, 10); // float accumulation would be caught
+    // Cancellation shows the order of terms: ((-2^60 + 0) + 2^60) + 1 is 1, regrouped sums give 0.
+    float const ca[16] = {-0x1p30f, 0, 0, 0, 0, 0, 0, 0, 0x1p30f, 0, 0, 0, 1, 0, 0, 0},
+                cb[16] = {0x1p30f, 0, 0x1p30f, 1};
+    float out[16];
+    kernel().multMatrices(out, ca, cb);
+    EXPECT_EQ(out[0], 1.0f);
+    // A bottom row (0, 0, 1, 0) divides by z: w == 0 exactly gives the origin, the smallest w divides.
+    float m[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 1, 1, 0, 0, 0}, q[3] = {2, 4, 0};
+    kernel().multMatrixVec3f(q, m, q);
+    EXPECT_TRUE(sameBits(q, {0, 0, 0}));
+    q[2] = std::nextafter(0.0f, 1.0f);
+    kernel().multMatrixVec3f(q, m, q);
     EXPECT_TRUE(std::isinf(q[0]));
 }
 
@@ -117,13 +103,13 @@ TEST(MatrixOperations, InverseFollowsPivotOrderBitForBitAndInPlace) {
     for (int n = 0; n < 2000; ++n) {
         float m[16], got[16], want[16];
         for (float &f : m) // odd n: entries -1, 0, 1, ties everywhere; the pivot order shows in signed zeros
-            f = (n % 2) ? float(int(rng() % 3u) - 1) : randomFloat(rng);
+            f = (n % 2) ? float(int(rng() % 3u) - 1) : zeftest::randomFloat(rng, 12);
         std::memcpy(got, m, sizeof m);
         std::memcpy(want, m, sizeof m);
         ASSERT_EQ(kernel().inverseMatrix(got, m), referenceInverse(want, m));
-        EXPECT_EQ(std::memcmp(got, want, sizeof got), 0) << n;
+        EXPECT_TRUE(sameBits(got, want, 16)) << n;
         kernel().inverseMatrix(m, m);
-        EXPECT_EQ(std::memcmp(m, want, sizeof m), 0) << n;
+        EXPECT_TRUE(sameBits(m, want, 16)) << n;
     }
     const double kIdentityTolerance = 1e-5; // the reference does invert
     const float m[16] = {2, 1, 0, 3, -1, 4, 1, 0, 0, 2, -3, 1, 5, 0, 1, 2};
@@ -145,13 +131,9 @@ TEST(MatrixOperations, InverseFailsOnlyOnExactZeroPivotsAndWritesNothing) {
         std::memcpy(m, s, sizeof m);
         EXPECT_FALSE(kernel().inverseMatrix(out, m));
         EXPECT_FALSE(kernel().inverseMatrix(m, m));
-        EXPECT_EQ(std::memcmp(m, s, sizeof m), 0);
-        EXPECT_EQ(std::memcmp(out, before, sizeof out), 0);
+        EXPECT_TRUE(sameBits(m, s, 16) && sameBits(out, before, 16));
     }
-    const float swapXY[16] = {0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}; // zeros on the diagonal
     float out[16], tiny[16];
-    ASSERT_TRUE(kernel().inverseMatrix(out, swapXY));
-    EXPECT_EQ(std::memcmp(out, swapXY, sizeof out), 0);
     const float s[3] = {1e-30f, 1e-30f, 1e-30f}; // no tolerance
     kernel().setScale(tiny, s);
     ASSERT_TRUE(kernel().inverseMatrix(out, tiny));
@@ -176,8 +158,7 @@ TEST(MatrixOperations, DeterminantsRoundEveryMinor) {
     };
     int unroundedDiffers = 0;
     for (int n = 0; n < 2000; ++n) {
-        for (float &f : m)
-            f = randomFloat(rng);
+        zeftest::randomFloats(rng, m, 16, 12);
         round = true;
         const double d3 = m[0] * d(5, 6, 9, 10) - m[1] * d(4, 6, 8, 10) + m[2] * d(4, 5, 8, 9);
         EXPECT_EQ(kernel().det3(m), float(d3));
@@ -189,28 +170,27 @@ TEST(MatrixOperations, DeterminantsRoundEveryMinor) {
         unroundedDiffers += det4() != d4;
     }
     EXPECT_GT(unroundedDiffers, 10);
-    kernel().setIdentity(m);
-    EXPECT_EQ(kernel().det4(m), 1.0f);
-    for (int i : {3, 7, 11, 12, 13, 14, 15})
-        m[i] = 9.0f;
-    EXPECT_EQ(kernel().det3(m), 1.0f);
 }
 
-TEST(MatrixOperations, ElementwiseInPlace) {
+TEST(MatrixOperations, ElementwiseInPlaceAndBuildersWriteAll) {
+    std::mt19937 rng(9u);
     float a[16], b[16], out[16];
-    for (int i = 0; i < 16; ++i) {
-        a[i] = 0.1f * float(i) - 0.7f;
-        b[i] = 3.0f - 0.3f * float(i);
-    }
+    zeftest::randomFloats(rng, a, 16);
+    zeftest::randomFloats(rng, b, 16);
     std::memcpy(out, b, sizeof b);
     kernel().addMatrices(out, a, out);
     kernel().subMatrices(out, out, b);
-    kernel().multMatrixScalar(out, out, -2.0f);
+    kernel().multMatrixScalar(out, out, -0.3f);
     kernel().abs(out, out);
     kernel().neg(out, out);
-    for (int i = 0; i < 16; ++i)
-        EXPECT_EQ(out[i], -std::fabs(((a[i] + b[i]) - b[i]) * -2.0f)) << i;
+    for (int i = 0; i < 16; ++i) // one operation at a time: float arithmetic rounds as double-then-float
+        EXPECT_TRUE(sameBits(out[i], -std::fabs(((a[i] + b[i]) - b[i]) * -0.3f))) << i;
     kernel().transpose(out, a);
     for (int i = 0; i < 16; ++i)
         EXPECT_EQ(out[i], a[4 * (i % 4) + i / 4]);
+    kernel().setScale(out, b);
+    EXPECT_TRUE(sameBits(out, {b[0], 0, 0, 0, 0, b[1], 0, 0, 0, 0, b[2], 0, 0, 0, 0, 1}));
+    std::memcpy(out, a, sizeof a);
+    kernel().setTranslate(out, b);
+    EXPECT_TRUE(sameBits(out, {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, b[0], b[1], b[2], 1}));
 }
