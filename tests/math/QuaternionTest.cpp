@@ -6,26 +6,25 @@
 #include <cstring>
 #include <random>
 
+#include "support/TestSupport.h"
+
 namespace {
 
-Quaternion make(const float (&v)[4]) {
+Quaternion make(const float *v) {
     Quaternion q;
-    std::memcpy(static_cast<void *>(&q), v, sizeof v);
+    std::memcpy(static_cast<void *>(&q), v, sizeof q);
     return q;
 }
 
-bool same(const Quaternion &a, const Quaternion &b) {
-    return std::memcmp(&a, &b, sizeof a) == 0;
+::testing::AssertionResult same(const Quaternion &a, const Quaternion &b) {
+    return zeftest::sameBits(a.getValue(), b.getValue(), 4);
 }
 
-// a * b (sign +1) or a * conjugate(b) (sign -1), each element in double,
-// rounded once.
-Quaternion hamilton(const Quaternion &qa, const Quaternion &qb, double sign) {
-    const float *a = qa.getValue(), *b = qb.getValue();
-    double const a0 = a[0], a1 = a[1], a2 = a[2], a3 = a[3];
-    double const b0 = b[0], b1 = sign * b[1], b2 = sign * b[2], b3 = sign * b[3];
-    return make({float(a0 * b0 - a1 * b1 - a2 * b2 - a3 * b3), float(a0 * b1 + a1 * b0 + a2 * b3 - a3 * b2),
-                 float(a0 * b2 + a2 * b0 + a3 * b1 - a1 * b3), float(a0 * b3 + a3 * b0 + a1 * b2 - a2 * b1)});
+// a * b (sign 1) or a * conjugate(b) (sign -1), rounded once per element.
+Quaternion hamilton(const Quaternion &a, const Quaternion &b, double sign) {
+    float out[4];
+    zeftest::referenceQuaternionProduct(out, a.getValue(), b.getValue(), sign);
+    return make(out);
 }
 
 const float *g_out = nullptr, *g_a = nullptr, *g_b = nullptr;
@@ -42,10 +41,11 @@ public:
 
 TEST(Quaternion, ArithmeticBitForBit) {
     std::mt19937 rng(2024u);
-    std::uniform_real_distribution<float> d(-2.0f, 2.0f);
     for (int trial = 0; trial < 300; ++trial) {
-        Quaternion const a = make({d(rng), d(rng), d(rng), d(rng)}),
-                         b = make({d(rng), d(rng), d(rng), d(rng)});
+        float x[4], y[4];
+        zeftest::randomFloats(rng, x, 4, 1);
+        zeftest::randomFloats(rng, y, 4, 1);
+        Quaternion const a = make(x), b = make(y);
         Quaternion l = a, r = a, star = a, dv = a, slash = a, sq = a, u = a;
         l.multLeftBy(b), r.multRightBy(b), dv.div(b), sq.multRightBy(sq);
         ASSERT_TRUE(&(star *= b) == &star && &(slash /= b) == &slash);
@@ -53,15 +53,13 @@ TEST(Quaternion, ArithmeticBitForBit) {
         ASSERT_TRUE(same(a / b, hamilton(a, b, -1)) && same(dv, a / b) && same(slash, a / b));
         ASSERT_TRUE(same(l, hamilton(b, a, 1)) && same(sq, hamilton(a, a, 1)));
 
-        const float *x = a.getValue(), *y = b.getValue();
         float dot = 0.0f;
         for (int k = 0; k < 4; ++k) {
             ASSERT_TRUE((a + b).getValue()[k] == float(double(x[k]) + y[k]) &&
                         (a - b).getValue()[k] == float(double(x[k]) - y[k]));
             dot = float(double(dot) + double(x[k]) * y[k]); // every partial sum rounded
         }
-        // The sum of squares is rounded before the root; each component divided by
-        // the norm.
+        // The sum of squares is rounded before the root; each component divided by the norm.
         float const n = float(std::sqrt(double(
             float(double(x[0]) * x[0] + double(x[1]) * x[1] + double(x[2]) * x[2] + double(x[3]) * x[3]))));
         ASSERT_TRUE(a.dot(b) == dot && a.norm() == n && u.normalize() == n);

@@ -60,35 +60,6 @@ TEST(RotationRoundTrip, FourFormsAgreeOnRandomRotations) {
     }
 }
 
-TEST(RotationRoundTrip, HalfTurnsAndPoles) {
-    Vector3f const t(1, -2, 3);
-    // Exact half turns 2 u u^T - I, u = a / 5: the diagonal sums to -1 exactly.
-    for (const Vector3f &a : {Vector3f(5, 0, 0), Vector3f(0, 5, 0), Vector3f(0, 0, 5), Vector3f(3, 4, 0),
-                              Vector3f(4, 0, 3), Vector3f(0, -3, 4)}) {
-        Vector3f col[3];
-        for (int c = 0; c < 3; ++c)
-            for (int r = 0; r < 3; ++r)
-                col[c][r] = float((2.0 * a[r] * a[c] - (r == c ? 25.0 : 0.0)) / 25.0);
-        MatRot4f half;
-        half.setFromXYZ2Axis(col[0], col[1], col[2], t);
-        EXPECT_TRUE(matrixOf(Quaternion(half), t).equalsAff(half, kRoundTripTolerance));
-        EXPECT_TRUE(MatRot4f(a, kPi, t).equalsAff(half, kRoundTripTolerance));
-        expectEulerRoundTrip(half, t);
-    }
-    // Euler half turns and the two poles, where X is read back as 0.
-    float const halfPi = float(kPi / 2.0);
-    for (const Vector3f &e :
-         {Vector3f(kPi, 0, kPi), Vector3f(0.7f, halfPi, -0.4f), Vector3f(-2, -halfPi, 1.1f)}) {
-        MatRot4f const m(e.x(), e.y(), e.z(), t);
-        Quaternion const q(e.x(), e.y(), e.z());
-        EXPECT_TRUE(matrixOf(q, t).equalsAff(m, kRoundTripTolerance));
-        expectEulerRoundTrip(m, t);
-        float x = 9, y = 9, z = 9;
-        MatRot4f(m).getEuler(x, y, z);
-        EXPECT_TRUE(std::fabs(e.y()) != halfPi || (x == 0.0f && y == e.y()));
-    }
-}
-
 TEST(RotationRoundTrip, OppositeDirectionsAndTranslation) {
     // From one direction to another: the same rotation both ways, except for
     // opposite directions, where only the matrix makes a half turn.
