@@ -355,7 +355,7 @@ void step(FuzzInput &in, Probe *arrays, Model *models) {
     }
     // Keep the arrays small enough for a full check after every step.
     for (int k = 0; k < 2; ++k)
-        if (models[k].size() > size_t(4 * kMaxBits)) {
+        if (models[k].size() > size_t(2 * kMaxBits)) {
             arrays[k].clearArray();
             models[k].clear();
         }
@@ -367,7 +367,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     FuzzInput in(data, size);
     Probe arrays[2];
     Model models[2];
-    for (int steps = 0; !in.empty() && steps < 400; ++steps) {
+    for (int steps = 0; !in.empty() && steps < 200; ++steps) {
         step(in, arrays, models);
         check(arrays[0], models[0]);
         check(arrays[1], models[1]);
