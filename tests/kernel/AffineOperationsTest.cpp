@@ -122,6 +122,12 @@ TEST(AffineOperations, CheapInversesWriteOnlyTheirElements) {
     EXPECT_TRUE(sameBits(out, {0.5f, 0, 0, 0, 0, -2.0f, 0, 0, 0, 0, 0.25f, 0, 0, 0, 0, 1}));
     ASSERT_TRUE(kernel().inverseTranslate(m, m));
     EXPECT_TRUE(m[12] == -3.0f && m[1] == 0.0f && std::signbit(m[14]));
+    // The in-place form negates the translation alone, zero signs included.
+    float before[16];
+    std::copy(m, m + 16, before);
+    ASSERT_TRUE(kernel().inverseTranslate(m));
+    for (int i = 0; i < 16; ++i)
+        EXPECT_TRUE(sameBits(m[i], i >= 12 && i < 15 ? -before[i] : before[i])) << i;
 
     std::mt19937 rng(8u);
     zeftest::randomFloats(rng, m, 16);

@@ -78,6 +78,29 @@ TEST(Mat4fBase, InitialisersAndEqualsOnTheBound) {
     EXPECT_FALSE(a.equals(b, 0.5f));
 }
 
+TEST(Mat4fBase, WholeMatrixCopiesAndSettersAreBitExact) {
+    // Distinct values in storage order, with a negative zero and a NaN payload.
+    Matrix4f m;
+    for (int i = 0; i < 16; ++i)
+        m.getValue()[i] = float(i) + 0.25f;
+    m.getValue()[6] = -0.0f;
+    m.getValue()[9] = zeftest::floatOf(0x7FC01234u);
+    float copy[16], e[16];
+    m.getCopy(copy);
+    EXPECT_TRUE(zeftest::sameBits(copy, m.getValue(), 16));
+    m.getValue(e[0], e[1], e[2], e[3], e[4], e[5], e[6], e[7], e[8], e[9], e[10], e[11], e[12], e[13], e[14],
+               e[15]);
+    EXPECT_TRUE(zeftest::sameBits(e, m.getValue(), 16));
+    Matrix4f target(0);
+    target.setValue(m);
+    EXPECT_TRUE(sameBits(target, m));
+    const float zeros[16] = {};
+    target.setZero();
+    EXPECT_TRUE(zeftest::sameBits(target.getValue(), zeros, 16));
+    target.setIdentity();
+    EXPECT_TRUE(sameBits(target, Mat4fBase::m_identity));
+}
+
 TEST(Matrix4f, ProductsAndElementWiseBitForBit) {
     std::mt19937 rng(1234u);
     for (int trial = 0; trial < 100; ++trial) {
