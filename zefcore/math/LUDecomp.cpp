@@ -64,6 +64,15 @@ constexpr int kStageBlock = 16;
 
 #define ZEF_ALWAYS_INLINE inline __attribute__((always_inline))
 
+// One version per vector width, chosen by the loader. Not under the thread
+// sanitizer: the loader runs the chooser before that runtime is set up, and the
+// instrumented chooser crashes the program at load.
+#if defined(__SANITIZE_THREAD__)
+#define ZEF_VECTOR_CLONES
+#else
+#define ZEF_VECTOR_CLONES __attribute__((target_clones("avx2", "default")))
+#endif
+
 // Sets x[j] = x[j] - m * u[j] for j < len.
 ZEF_ALWAYS_INLINE void subtractScaled1(double *__restrict x, const double *__restrict u, double m,
                                        std::ptrdiff_t len) {
@@ -102,8 +111,7 @@ struct StageBlock {
 // Sets columns col .. n-1 of rows rowBegin .. rowEnd-1 to receive the first
 // `count` active stages of the block, in stage order. Vector width is chosen at
 // load; the arithmetic is the same on every path.
-__attribute__((target_clones("avx2", "default"))) void applyStages(const StageBlock &blk, int count, int col,
-                                                                   int rowBegin, int rowEnd) {
+ZEF_VECTOR_CLONES void applyStages(const StageBlock &blk, int count, int col, int rowBegin, int rowEnd) {
     const std::ptrdiff_t len = blk.n - col;
     const double *pivot[kStageBlock];
     for (int s = 0; s < count; ++s)
@@ -200,9 +208,8 @@ void eliminate(double *planes, Rhs *rhs, double *a, Rhs *b, int n) {
 // Sets, in every row i of the n * n matrix m, m[i][j] = m[i][j] - m[i][k] * q[j]
 // for j in [jBegin, jEnd), k outside that range: the update of those columns by
 // column k, done row by row. Vector width is chosen at load.
-__attribute__((target_clones("avx2", "default"))) void subtractColumnMultiples(double *m, int n, int k,
-                                                                               const double *q, int jBegin,
-                                                                               int jEnd) {
+ZEF_VECTOR_CLONES void subtractColumnMultiples(double *m, int n, int k, const double *q, int jBegin,
+                                                int jEnd) {
     const std::ptrdiff_t len = jEnd - jBegin;
     for (int i = 0; i < n; ++i) {
         double *row = m + at(i, 0, n);
