@@ -14,6 +14,9 @@
 
 #include "zefcore/base/ZEFTimer.h"
 #include "zefcore/geometry/BoundingBox.h"
+#include "zefcore/geometry/BoundingBoxAlgo.h"
+#include "zefcore/geometry/Distances.h"
+#include "zefcore/geometry/Intersections.h"
 #include "zefcore/geometry/Plane.h"
 #include "zefcore/geometry/PlaneFigureQueries.h"
 #include "zefcore/kernel/EnhancedMathFunctions.h"
@@ -106,6 +109,19 @@ void runBatch(std::uint32_t seed, const Shared &shared, std::vector<std::uint32_
         plane.findUVAxis(lu, lv);
         push(lu.m_dir.getValue(), 3);
         push(lv.m_dir.getValue(), 3);
+        const ZEFLine line(v, u, true);
+        Vector3f hit;
+        float t = 0.0f;
+        out.push_back(std::uint32_t(interLinePlane(hit, t, line, plane)));
+        push(hit.getValue(), 3);
+        Vector3f nearest;
+        const float gap = distancePointLine(w, line, nearest);
+        push(&gap, 1);
+        push(nearest.getValue(), 3);
+        BoundingBox seen;
+        out.push_back(std::uint32_t(BoundingBoxAlgo::cameraProjBBox(seen, shared.box, shared.view, 0.1f)));
+        push(seen.getMin().getValue(), 3);
+        push(seen.getMax().getValue(), 3);
 
         float p1[2] = {unit(rng), unit(rng)}, d1[2] = {unit(rng), unit(rng)};
         float p2[2] = {unit(rng), unit(rng)}, d2[2] = {unit(rng), unit(rng)};
