@@ -2,139 +2,107 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <algorithm>
 #include <random>
 
 namespace {
-constexpr float kStatedHueTolerance = 1e-7f;  // hues stated as fractions, rounded to float
-constexpr float kFewFloatSteps = 1e-6f;      // round trips and one-step hue wraps
+constexpr double kThird = 0.3333333432674408, kTwoThirds = 0.6666666865348816; // the float thirds
+constexpr float kFewFloatSteps = 1e-6f; // round trips and the trace of the float thirds
 
-void expectRgb(const float *rgb, float r, float g, float b, float tolerance) {
-    EXPECT_NEAR(rgb[0], r, tolerance);
-    EXPECT_NEAR(rgb[1], g, tolerance);
-    EXPECT_NEAR(rgb[2], b, tolerance);
+// Double-then-round references, rounded where a float is stored.
+float channel(float h, float m1, float m2) {
+    h = h < 0.0f ? float(h + 1.0) : h > 1.0f ? float(h - 1.0) : h; // one step only
+    const double span = 6.0 * (double(m2) - m1);
+    return h * 6.0 < 1.0   ? float(m1 + span * h)
+           : h * 2.0 < 1.0 ? m2
+           : h * 3.0 < 2.0 ? float(m1 + span * (kTwoThirds - h))
+                           : m1;
 }
-
-void hslOf(float r, float g, float b, float *hsl) {
-    const float rgb[3] = {r, g, b};
-    Color::RGBtoHSL(hsl, rgb);
+void hslToRgb(float *rgb, float h, float s, float l) {
+    const float m2 = l < 0.5f ? float((s + 1.0) * l) : float(double(l) + s - double(l) * s),
+                m1 = float(2.0 * l - m2);
+    const float out[3] = {channel(float(h + kThird), m1, m2), channel(h, m1, m2),
+                          channel(float(h - kThird), m1, m2)};
+    std::copy(out, out + 3, rgb);
+    if (s == 0.0f)
+        std::fill(rgb, rgb + 3, l);
+}
+void rgbToHsl(float *hsl, float r, float g, float b) {
+    const float max = std::max({r, g, b}), min = std::min({r, g, b}), l = float(0.5 * (double(max) + min));
+    const float d = float(double(max) - min),
+                s = l <= 0.5f ? float(d / (double(max) + min)) : float(d / (2.0 - max - min));
+    const float h = r == max   ? float((double(g) - b) / d)
+                    : g == max ? float(2.0 + (double(b) - r) / d)
+                               : float(4.0 + (double(r) - g) / d);
+    const float grey[3] = {0.0f, 0.0f, l}, out[3] = {float(h / 6.0), s, l};
+    std::copy(max == min ? grey : out, (max == min ? grey : out) + 3, hsl);
+}
+bool same(const float *a, const float *b) {
+    return std::equal(a, a + 3, b);
 }
 } // namespace
 
-TEST(Color, StatedHslValues) {
-    float hsl[3];
-    hslOf(1, 0, 0, hsl);
-    expectRgb(hsl, 0.0f, 1.0f, 0.5f, 0.0f);
-    const struct {
-        float r, g, b;
-        double hue;
-    } hues[] = {{0, 1, 0, 1.0 / 3}, {0, 0, 1, 2.0 / 3}, {1, 1, 0, 1.0 / 6}, {0, 1, 1, 0.5},
-                {1, 0, 1, -1.0 / 6}, {1, 0, 0.5f, -1.0 / 12}};
-    for (const auto &c : hues) {
-        hslOf(c.r, c.g, c.b, hsl);
-        EXPECT_NEAR(hsl[0], c.hue, kStatedHueTolerance) << c.r << " " << c.g << " " << c.b;
-        EXPECT_EQ(hsl[1], 1.0f);
+TEST(Color, StatedValues) {
+    const float reds[][3] = {{1, 0, 0}, {1, 0, 1}, {1, 0, 0.5f}},
+                want[][3] = {{0, 1, 0.5f}, {float(-1.0 / 6), 1, 0.5f}, {float(-1.0 / 12), 1, 0.5f}};
+    float out[3];
+    for (int k = 0; k < 3; ++k) { // red largest, blue above green: the hue is negative
+        Color::RGBtoHSL(out, reds[k]);
+        EXPECT_TRUE(same(out, want[k])) << k << ": " << out[0];
     }
-    hslOf(1, 1, 1, hsl);
-    expectRgb(hsl, 0, 0, 1, 0.0f);
-    hslOf(Color::GRAY.x(), Color::GRAY.y(), Color::GRAY.z(), hsl);
-    expectRgb(hsl, 0, 0, 0.5f, 0.0f);
-    // Lightness above one half takes the other saturation formula.
-    hslOf(1.0f, 0.5f, 0.5f, hsl);
-    EXPECT_EQ(hsl[2], 0.75f);
-    EXPECT_EQ(hsl[1], float(0.5 / (2.0 - 1.0 - 0.5)));
+    const float grey[3] = {0.77f, 0.0f, 0.3f}, red[3] = {0.0f, 1.0f, 0.5f}, far[3] = {2.5f, 0.8f, 0.4f};
+    Color::HSLtoRGB(out, grey);
+    EXPECT_TRUE(out[0] == 0.3f && out[1] == 0.3f && out[2] == 0.3f);
+    Color::HSLtoRGB(out, red); // the float thirds leave a trace in blue
+    EXPECT_TRUE(out[0] == 1.0f && out[1] == 0.0f && out[2] > 0.0f && out[2] < kFewFloatSteps);
+    Color::HSLtoRGB(out, far); // two and a half turns: still above 1 after one step
+    EXPECT_EQ(out[1], float(2.0 * 0.4f - float((0.8f + 1.0) * 0.4f)));
+    EXPECT_TRUE(Color().getColor3f().equals(Color::WHITE) && Color().getAlpha() == 1.0f);
+    EXPECT_TRUE(Color::NULL_COLOR.getColor3f().equals(Vector3f(-1, -1, -1)) &&
+                Color::NULL_COLOR.getAlpha() == -1.0f);
 }
 
-TEST(Color, HslToRgbUsesSingleThirdsAndOneStepWrap) {
-    float rgb[3];
-    const float pureRed[3] = {0.0f, 1.0f, 0.5f};
-    Color::HSLtoRGB(rgb, pureRed);
-    // Blue keeps the trace of the float thirds: hue -1/3 in float, one turn up, rounded.
-    const float wrapped = float(double(-(1.0f / 3.0f)) + 1.0);
-    const float trace = float(6.0 * (double(2.0f / 3.0f) - double(wrapped)));
-    EXPECT_EQ(rgb[0], 1.0f);
-    EXPECT_EQ(rgb[1], 0.0f);
-    EXPECT_EQ(rgb[2], trace);
-    EXPECT_NE(trace, 0.0f);
-    EXPECT_LT(trace, kFewFloatSteps);
-
-    // A hue whose shift by the float third rounds to another float than by the double one.
-    const float hue[3] = {0x1.94959p-3f, 1.0f, 0.5f};
-    Color::HSLtoRGB(rgb, hue);
-    const float shifted = float(double(hue[0]) + double(1.0f / 3.0f));
-    EXPECT_EQ(rgb[0], float(6.0 * (double(2.0f / 3.0f) - shifted)));
-    EXPECT_NE(shifted, float(double(hue[0]) + 1.0 / 3.0));
-
-    const float grey[3] = {0.77f, 0.0f, 0.3f};
-    Color::HSLtoRGB(rgb, grey);
-    expectRgb(rgb, 0.3f, 0.3f, 0.3f, 0.0f);
-    const float white[3] = {0.4f, 0.6f, 1.0f};
-    Color::HSLtoRGB(rgb, white);
-    expectRgb(rgb, 1, 1, 1, 0.0f);
-
-    float quarter[3];
-    const float hslQuarter[3] = {0.25f, 0.8f, 0.4f};
-    Color::HSLtoRGB(quarter, hslQuarter);
-    const float hslWrapped[3] = {1.25f, 0.8f, 0.4f};
-    Color::HSLtoRGB(rgb, hslWrapped);
-    expectRgb(rgb, quarter[0], quarter[1], quarter[2], kFewFloatSteps);
-    // Two and a half turns: one step leaves 1.5, beyond every branch: m1.
-    const float far[3] = {2.5f, 0.8f, 0.4f};
-    Color::HSLtoRGB(rgb, far);
-    const float m1 = float(2.0 * 0.4f - float((0.8 + 1.0) * double(0.4f)));
-    EXPECT_EQ(rgb[1], m1);
-
-}
-
-TEST(Color, RandomRoundTripsReturnTheColour) {
+// Both conversions bit for bit against the references, in place, on random channels
+// with frequent ties and hues up to one and a half turns outside; round trips return.
+TEST(Color, ConversionsMatchDoubleThenRoundAndRoundTrip) {
     std::mt19937 rng(31337);
-    std::uniform_real_distribution<float> u(0.0f, 1.0f);
-    int negativeHues = 0;
-    for (int i = 0; i < 2000; ++i) {
-        const float rgb[3] = {u(rng), u(rng), u(rng)};
+    std::uniform_real_distribution<float> u(0.0f, 1.0f), hue(-1.5f, 2.5f);
+    const float ties[4] = {0.0f, 0.5f, 1.0f, 0.25f};
+    for (int i = 0; i < 20000; ++i) {
+        float rgb[3], hsl[3], want[3];
+        for (float &c : rgb)
+            c = i % 3 ? u(rng) : ties[rng() % 4];
         float v[3] = {rgb[0], rgb[1], rgb[2]};
-        Color::RGBtoHSL(v, v); // in place
-        negativeHues += v[0] < 0.0f;
+        Color::RGBtoHSL(v, v);
+        rgbToHsl(want, rgb[0], rgb[1], rgb[2]);
+        ASSERT_TRUE(same(v, want)) << rgb[0] << " " << rgb[1] << " " << rgb[2];
         Color::HSLtoRGB(v, v);
-        expectRgb(v, rgb[0], rgb[1], rgb[2], kFewFloatSteps);
+        for (int k = 0; k < 3; ++k)
+            ASSERT_NEAR(v[k], rgb[k], kFewFloatSteps);
+        hsl[0] = hue(rng), hsl[1] = i % 7 ? u(rng) : 0.0f, hsl[2] = u(rng);
+        hslToRgb(want, hsl[0], hsl[1], hsl[2]);
+        Color::HSLtoRGB(hsl, hsl);
+        ASSERT_TRUE(same(hsl, want)) << i;
     }
-    EXPECT_GT(negativeHues, 0);
 }
 
-TEST(Color, MixingAndScaling) {
-    const Color a(1, 0, 0, 1);
-    const Color b(0, 0, 1, 0);
-    Color mixed = Color::getMixedColor(a, b, 0.5f, 0.5f);
-    expectRgb(mixed.getColor3f().getValue(), 0.5f, 0.0f, 0.5f, 0.0f);
-    EXPECT_EQ(mixed.getAlpha(), 0.5f);
-    mixed = Color::getMixedColor(Color(0.75f, 1, 1, 1), Color(0.5f, 1, 1, 1), 1, 1);
-    expectRgb(mixed.getColor3f().getValue(), 1.25f, 2.0f, 2.0f, 0.0f);
-    EXPECT_EQ(mixed.getAlpha(), 2.0f);
-    // Products and sum in double, rounded once per channel.
-    const Color c(0.1f, 0.7f, 0.3f, 0.9f);
-    const Color d(0.2f, 0.6f, 0.35f, 0.45f);
-    mixed = Color::getMixedColor(c, d, 0.3f, 0.7f);
-    EXPECT_EQ(mixed.getColor3f().x(), float(double(0.1f) * 0.3f + double(0.2f) * 0.7f));
-    EXPECT_EQ(mixed.getColor3f().y(), float(double(0.7f) * 0.3f + double(0.6f) * 0.7f));
+TEST(Color, MixingAndScalingRoundOncePerChannel) {
+    const Color c(0.1f, 0.7f, 0.3f, 0.9f), d(0.2f, 0.6f, 0.35f, 0.45f);
+    const Color mixed = Color::getMixedColor(c, d, 0.3f, 0.7f);
+    for (int k = 0; k < 3; ++k)
+        EXPECT_EQ(mixed.getColor3f()[k],
+                  float(double(c.getColor3f()[k]) * 0.3f + double(d.getColor3f()[k]) * 0.7f));
     EXPECT_EQ(mixed.getAlpha(), float(double(0.9f) * 0.3f + double(0.45f) * 0.7f));
+    EXPECT_EQ(Color::getMixedColor(Color(0.75f, 1, 1, 1), Color(0.5f, 1, 1, 1), 1, 1).getColor3f().x(),
+              1.25f); // not clamped
 
-    const Color half = Color::getScaledTranspaColor(c, 0.5f);
-    EXPECT_EQ(half.getAlpha(), 0.45f);
-    expectRgb(half.getColor3f().getValue(), 0.1f, 0.7f, 0.3f, 0.0f);
-
-    // Saturation by the first factor, lightness by the second; alpha kept.
-    const Color red(Color::RED, 0.25f);
-    Color scaled = Color::getScaledSL(red, 1.0f, 0.5f);
-    expectRgb(scaled.getColor3f().getValue(), 0.5f, 0.0f, 0.0f, kFewFloatSteps);
-    EXPECT_EQ(scaled.getAlpha(), 0.25f);
-    scaled = Color::getScaledSL(red, 0.5f, 1.0f);
-    expectRgb(scaled.getColor3f().getValue(), 0.75f, 0.25f, 0.25f, kFewFloatSteps);
-}
-
-TEST(Color, Constants) {
-    const Color white;
-    expectRgb(white.getColor3f().getValue(), Color::WHITE.x(), Color::WHITE.y(), Color::WHITE.z(), 0.0f);
-    EXPECT_EQ(white.getAlpha(), 1.0f);
-    expectRgb(Color::NULL_COLOR.getColor3f().getValue(), -1, -1, -1, 0.0f);
-    EXPECT_EQ(Color::NULL_COLOR.getAlpha(), -1.0f);
+    const Color half = Color::getScaledTranspaColor(c, 0.3f);
+    EXPECT_TRUE(half.getAlpha() == float(double(0.3f) * 0.9f) && half.getColor3f().equals(c.getColor3f()));
+    // Saturation by the first factor, lightness by the second; hue and alpha kept.
+    float hsl[3], rgb[3];
+    Color::RGBtoHSL(hsl, c.getColor3f().getValue());
+    hsl[1] = float(double(hsl[1]) * 0.6f), hsl[2] = float(double(hsl[2]) * 1.3f);
+    Color::HSLtoRGB(rgb, hsl);
+    const Color scaled = Color::getScaledSL(c, 0.6f, 1.3f);
+    EXPECT_TRUE(same(scaled.getColor3f().getValue(), rgb) && scaled.getAlpha() == 0.9f);
 }

@@ -3,108 +3,60 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <vector>
 
 namespace {
-
 struct Counted {
     static int live;
     Counted() { ++live; }
     ~Counted() { --live; }
 };
 int Counted::live = 0;
-
 } // namespace
 
-TEST(ZEFArray, BeginAndEndAreNullWhenEmpty) {
+TEST(ZEFArray, NullEndsWhenEmptyAndEraseReturnsWhatNowStandsThere) {
     ZEFArray<int> a;
-    EXPECT_EQ(a.begin(), nullptr);
-    EXPECT_EQ(a.end(), nullptr);
-    a.push_back(1);
-    a.push_back(2);
-    EXPECT_EQ(a.end() - a.begin(), 2);
-    a.clear();
-    EXPECT_EQ(a.begin(), nullptr);
-    EXPECT_EQ(a.end(), nullptr);
-    int n = 0;
-    for (const int *p = a.begin(); p != a.end(); ++p)
-        ++n;
-    EXPECT_EQ(n, 0);
-}
-
-TEST(ZEFArray, EraseByIndexReturnsWhatNowStandsThere) {
-    ZEFArray<int> one;
-    one.push_back(7);
-    EXPECT_EQ(one.erase(0), nullptr);
-    EXPECT_EQ(one.size(), 0);
-
-    ZEFArray<int> two;
-    two.push_back(1);
-    two.push_back(2);
-    int *p = two.erase(0);
-    ASSERT_NE(p, nullptr);
-    EXPECT_EQ(*p, 2);
-    two.push_back(3);
-    int *last = two.erase(two.size() - 1);
-    EXPECT_EQ(last, two.end());
-    EXPECT_EQ(two.size(), 1);
-
-    EXPECT_EQ(two.erase(-1), nullptr);
-    EXPECT_EQ(two.erase(two.size()), nullptr);
-    EXPECT_EQ(two.erase(INT_MAX), nullptr);
-    EXPECT_EQ(two.size(), 1);
-}
-
-TEST(ZEFArray, EraseByPointerRefusesOutsideTheArray) {
-    ZEFArray<int> a;
+    EXPECT_TRUE(a.begin() == nullptr && a.end() == nullptr);
     int outside = 0;
     EXPECT_EQ(a.erase(&outside), nullptr);
-    a.push_back(10);
-    a.push_back(20);
-    a.push_back(30);
-    EXPECT_EQ(a.erase(a.end()), nullptr);
-    EXPECT_EQ(a.erase(a.begin() - 1), nullptr);
-    EXPECT_EQ(a.size(), 3);
+    for (int v : {10, 20, 30, 40})
+        a.push_back(v);
+    EXPECT_EQ(a.end() - a.begin(), 4);
+    EXPECT_TRUE(a.erase(-1) == nullptr && a.erase(4) == nullptr && a.erase(INT_MAX) == nullptr);
+    EXPECT_TRUE(a.erase(a.end()) == nullptr && a.erase(&outside) == nullptr);
+    ASSERT_EQ(a.size(), 4);
     int *p = a.erase(a.begin() + 1);
-    ASSERT_NE(p, nullptr);
-    EXPECT_EQ(*p, 30);
-    EXPECT_EQ(a[0], 10);
-}
+    ASSERT_TRUE(p == a.begin() + 1 && *p == 30);
+    p = a.erase(2); // the last: the new end
+    EXPECT_EQ(p, a.end());
+    EXPECT_EQ(*a.erase(0), 30);
+    EXPECT_EQ(a.erase(0), nullptr); // now empty
+    EXPECT_TRUE(a.begin() == nullptr && a.end() == nullptr);
 
-TEST(ZEFArray, AssignZeroesExactlyCount) {
-    ZEFArray<int> a;
     a.push_back(5);
     a.assign(3);
-    ASSERT_EQ(a.size(), 3);
-    EXPECT_EQ(a[0], 0);
-    EXPECT_EQ(a[2], 0);
+    EXPECT_EQ(std::vector<int>(a.vbegin(), a.vbegin() + a.size()), std::vector<int>(3, 0));
     a.assign(0);
-    EXPECT_EQ(a.begin(), nullptr);
+    EXPECT_EQ(a.end(), nullptr);
 }
 
 TEST(ZEFArray, DeletePtrArraySkipsNullsAndKeepsSize) {
     ZEFArray<Counted *> a;
-    a.push_back(new Counted);
-    a.push_back(nullptr);
-    a.push_back(new Counted);
-    EXPECT_EQ(Counted::live, 2);
+    for (Counted *p : {new Counted, static_cast<Counted *>(nullptr), new Counted})
+        a.push_back(p);
     deletePtrArray(a);
     EXPECT_EQ(Counted::live, 0);
     EXPECT_EQ(a.size(), 3);
-    a.clear();
 }
 
-TEST(ZEFArray, FillArithmeticalSuite) {
+TEST(ZEFArray, FillArithmeticalSuiteStopsBeforeLastAndWraps) {
     int v[4] = {9, 9, 9, 9};
-    fillArithmeticalSuite(v, v, 1, 1);
-    fillArithmeticalSuite(v + 2, v + 1, 1, 1);
-    EXPECT_EQ(v[0], 9);
-    EXPECT_EQ(v[1], 9);
+    fillArithmeticalSuite(v + 2, v + 1, 1, 1); // empty range
     fillArithmeticalSuite(v, v + 3, 5, -2);
-    EXPECT_EQ(v[0], 5);
-    EXPECT_EQ(v[1], 3);
-    EXPECT_EQ(v[2], 1);
-    EXPECT_EQ(v[3], 9);
-    // Integer progressions wrap instead of overflowing.
+    EXPECT_EQ(std::vector<int>(v, v + 4), (std::vector<int>{5, 3, 1, 9}));
     fillArithmeticalSuite(v, v + 2, INT_MAX, 1);
     EXPECT_EQ(v[1], INT_MIN);
+    float f[3] = {0, 0, 7};
+    fillArithmeticalSuite(f, f + 2, 0.5f, 0.25f);
+    EXPECT_TRUE(f[0] == 0.5f && f[1] == 0.75f && f[2] == 7.0f);
 }

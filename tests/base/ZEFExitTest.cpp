@@ -6,28 +6,27 @@
 
 namespace {
 std::string g_order;
-void hookA() { g_order += 'a'; }
-void hookD() { g_order += 'd'; }
-void hookB() {
-    g_order += 'b';
-    ZEFExit::addExitFun(hookD); // runs right after this returns
+void hookA() {
+    g_order += 'a';
 }
-void hookC() { g_order += 'c'; }
+void hookD() {
+    g_order += 'd';
+}
+void hookB() {
+    g_order += 'b', ZEFExit::addExitFun(hookD);
+} // hookD runs right after this returns
+void hookC() {
+    g_order += 'c';
+}
 } // namespace
 
 // One test: the exit list is process-wide and closes for good.
 TEST(ZEFExit, RunsLastRegisteredFirstThenCloses) {
     ZEFExit::exit(); // empty: no effect, the list stays open
-    EXPECT_EQ(g_order, "");
-
-    ZEFExit::addExitFun(hookA);
-    ZEFExit::addExitFun(nullptr); // refused
-    ZEFExit::addExitFun(hookB);
-    ZEFExit::addExitFun(hookC);
-    ZEFExit::addExitFun(hookA); // twice: runs twice
+    for (void (*hook)() : {hookA, static_cast<void (*)()>(nullptr), hookB, hookC, hookA})
+        ZEFExit::addExitFun(hook); // null refused; twice runs twice
     ZEFExit::exit();
     EXPECT_EQ(g_order, "acbda");
-
     ZEFExit::exit();
     ZEFExit::addExitFun(hookC); // closed: refused
     ZEFExit::exit();

@@ -2,47 +2,50 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <random>
 
-namespace {
-
-BoundingBox2D rect(float x0, float y0, float x1, float y1) {
+TEST(BoundingBox2D, EmptyMarkerAndSetFromABox) {
+    BoundingBox2D r;
+    EXPECT_TRUE(!r.isInitialized() && r.getMin().x() == 1.0f && r.getMin().y() == 0.0f);
+    EXPECT_TRUE(r.getMax().x() == 0.0f && r.getMax().y() == 0.0f && !r.contains(Vector3f(0.5f, 0, 0)));
     BoundingBox box;
-    box.set(Vector3f(x0, y0, 0));
-    box.add(Vector3f(x1, y1, 0));
-    BoundingBox2D r;
+    box.m_min.y() = 3.0f; // an empty box is copied as empty, y included
     r.set(box);
-    return r;
-}
-
-} // namespace
-
-TEST(BoundingBox2D, MarkerSetAndContains) {
-    BoundingBox2D r;
-    EXPECT_TRUE(!r.isInitialized() && r.getMin().x() == 1.0f && r.getMin().y() == 0.0f && r.getMax().x() == 0.0f);
-    BoundingBox emptyBox;
-    emptyBox.m_min.y() = 3.0f;
-    r = rect(0, 0, 1, 1);
-    r.set(emptyBox);
     EXPECT_TRUE(!r.isInitialized() && r.m_min.y() == 3.0f);
-    r = rect(-1, 2, 3, 4);
-    EXPECT_TRUE(r.contains(Vector3f(-1, 4, 1e30f))); // a corner; z ignored
-    EXPECT_FALSE(r.contains(Vector3f(-1, std::nextafter(4.0f, 5.0f), 0)));
-    r.clear();
-    EXPECT_TRUE(r.m_min.y() == 2.0f && r.m_max.y() == 4.0f && !r.contains(Vector3f(0.5f, 3, 0)));
 }
 
-TEST(BoundingBox2D, IntersectCountsTouchingAndRefusesEmpty) {
-    const BoundingBox2D a = rect(0, 0, 1, 1);
-    const float above1 = std::nextafter(1.0f, 2.0f), below0 = std::nextafter(0.0f, -1.0f);
-    EXPECT_TRUE(a.intersect(rect(1, 1, 2, 2)) && rect(1, 1, 2, 2).intersect(a)); // a corner
-    EXPECT_TRUE(a.intersect(rect(-5, -5, 5, 5)) && a.intersect(rect(0.5f, -5, 0.6f, 5)));
-    EXPECT_FALSE(a.intersect(rect(1.5f, 0, 2, 1)) || a.intersect(rect(above1, 0, 2, 1)));
-    EXPECT_FALSE(a.intersect(rect(0, -2, 1, below0)) || a.intersect(rect(0, above1, 1, 3)));
-    EXPECT_FALSE(rect(-2, 0, below0, 1).intersect(a) || rect(0, 2, 1, 3).intersect(a));
-    // Empty on either side, also where the marker's numbers would overlap.
-    BoundingBox2D empty, cleared = rect(0, 0, 1, 1);
-    cleared.clear();
-    EXPECT_FALSE(a.intersect(empty) || empty.intersect(a) || empty.intersect(empty));
-    EXPECT_FALSE(cleared.intersect(a) || a.intersect(cleared));
+// Random rectangles on integer corners (touching is frequent), some empty or cleared,
+// against the closed-interval model of intersect and contains; z is ignored.
+TEST(BoundingBox2D, RandomRectanglesMatchClosedIntervals) {
+    std::mt19937 rng(8);
+    auto coord = [&] { return float(int(rng() % 9) - 4); };
+    for (int i = 0; i < 20000; ++i) {
+        BoundingBox2D r[2];
+        float lo[2][2], hi[2][2];
+        bool empty[2];
+        for (int k = 0; k < 2; ++k) {
+            BoundingBox box;
+            box.set(Vector3f(coord(), coord(), coord()));
+            box.add(Vector3f(coord(), coord(), coord()));
+            const unsigned kind = rng() % 8; // 0: from a cleared box, 1: cleared (y stays), else filled
+            if (kind == 0)
+                box.clear();
+            r[k].set(box);
+            if (kind == 1)
+                r[k].clear();
+            empty[k] = kind < 2;
+            for (int a = 0; a < 2; ++a)
+                lo[k][a] = box.m_min[a], hi[k][a] = box.m_max[a];
+        }
+        bool overlap = !empty[0] && !empty[1], inside = !empty[0];
+        const Vector3f p(coord(), coord(), float(rng()));
+        for (int a = 0; a < 2; ++a) {
+            overlap = overlap && lo[0][a] <= hi[1][a] && lo[1][a] <= hi[0][a];
+            inside = inside && lo[0][a] <= p[a] && p[a] <= hi[0][a];
+        }
+        ASSERT_EQ(r[0].isInitialized(), !empty[0]);
+        ASSERT_TRUE(r[0].intersect(r[1]) == overlap && r[1].intersect(r[0]) == overlap) << i;
+        ASSERT_EQ(r[0].intersect(r[0]), !empty[0]);
+        ASSERT_EQ(r[0].contains(p), inside) << i;
+    }
 }
