@@ -114,3 +114,26 @@ TEST(ZEFKeyArray, RandomSequenceMatchesMap) {
     for (int i = 0; i < g_numKeys; ++i)
         std::free(g_keys[i]);
 }
+
+namespace {
+// Opens the renumbering that ZEFKey keeps for its subclasses.
+class RenumberedKey : public ZEFKey {
+public:
+    using ZEFKey::setKey;
+};
+} // namespace
+
+// A key is filed under the number it has when added: 0 by default, the source's for a
+// copy, the one set by a subclass before the addition.
+TEST(ZEFKeyArray, KeysAreFiledUnderTheirNumberWhenAdded) {
+    ZEFKey plain, seven(7);
+    ZEFKey copy(seven);
+    RenumberedKey renumbered;
+    renumbered.setKey(5);
+    ZEFKeyArray array;
+    ASSERT_TRUE(array.addKey(&plain) && array.addKey(&copy) && array.addKey(&renumbered));
+    EXPECT_EQ(array.findKey(0), &plain);
+    EXPECT_EQ(array.findKey(7), &copy);
+    EXPECT_EQ(array.findKey(5), &renumbered);
+    array.clear(); // these keys are not the array's to delete
+}

@@ -19,4 +19,10 @@ TEST(ScalarHelpers, FiniteTestAndAbsDouble) {
     const double negNaN = -std::numeric_limits<double>::quiet_NaN();
     ASSERT_TRUE(std::signbit(negNaN));
     EXPECT_TRUE(std::isnan(absDouble(negNaN)) && std::signbit(absDouble(negNaN)));
+
+    // swapPDouble exchanges the pointers, not the values they point at.
+    double x = 1.0, y = 2.0;
+    double *a = &x, *b = &y;
+    swapPDouble(a, b);
+    EXPECT_TRUE(a == &y && b == &x && x == 1.0 && y == 2.0);
 }
