@@ -1,8 +1,9 @@
 // Fuzz target: random sequences of generateID, generateID(id), freeID, clear,
 // copy and assignment on two IDGenerator objects, each checked against a
 // std::set model of the identifiers in use (0 counts as in use until freed).
-// Identifiers are freed only while held, as the class requires; a free identifier
-// is offered back only where that must be refused. A last phase calls freeID and
+// Identifiers are freed only while held, as the class requires (a held identifier
+// more than one above the highest free one is refused); a free identifier is
+// offered back only where that must be refused. A last phase calls freeID and
 // generateID with any int on a third generator, checked for sanitizer findings only.
 #include "FuzzCheck.h"
 #include "FuzzInput.h"
@@ -25,6 +26,13 @@ struct Model {
         for (auto it = used.begin(); it != used.end() && *it == candidate; ++it)
             ++candidate;
         return candidate > kLastID ? -1 : int(candidate);
+    }
+    // Returns the highest free identifier, or -1.
+    int highestFree() const {
+        long long candidate = kLastID;
+        for (auto it = used.rbegin(); it != used.rend() && *it == candidate; ++it)
+            --candidate;
+        return int(candidate);
     }
     bool isFree(int id) const { return id >= 0 && id <= kLastID && used.count(id) == 0; }
     int take(int id) {
@@ -74,14 +82,16 @@ void step(FuzzInput &in, IDGenerator *gens, Model *models) {
         FUZZ_CHECK(g.generateID(id) == m.take(want));
         break;
     }
-    case 3: { // free a held identifier
+    case 3: { // free a held identifier: refused only above the highest free one plus 1
         if (m.used.empty())
             break;
         auto it = m.used.begin();
         std::advance(it, in.range(0, int(m.used.size()) - 1));
         const int id = *it;
-        FUZZ_CHECK(g.freeID(id));
-        m.used.erase(id);
+        const bool joins = id <= m.highestFree() + 1;
+        FUZZ_CHECK(g.freeID(id) == joins);
+        if (joins)
+            m.used.erase(id);
         break;
     }
     case 4: { // offer an identifier that is not held: refused where that is certain
