@@ -129,8 +129,7 @@ TEST(ZEFBoolArray, RandomOperationsMatchModel) {
             std::vector<int> list(std::size_t(pick(rng, 0, 6)));
             for (int &e : list)
                 e = pick(rng, kind == 4 ? 0 : -3, kind == 4 ? std::max(at, 0) : n + 16);
-            switch (op) {
-            case 0: // one bit: unchecked, or with growth
+            if (op == 0) { // one bit: unchecked, or with growth
                 if (kind < 3 && n > 0) {
                     kind == 0 ? a.set(i) : kind == 1 ? a.clear(i) : a.toggle(i);
                     m[i] = kind == 0 || (kind == 2 && !m[i]), spareKept = true;
@@ -139,13 +138,11 @@ TEST(ZEFBoolArray, RandomOperationsMatchModel) {
                     grow(at + 1);
                     m[at] = value || (!(kind & 1) && !m[at]);
                 }
-                break;
-            case 1: // a range: a count below 1 is 1; clear grows the array too
+            } else if (op == 1) { // a range: a count below 1 is 1; clear grows the array too
                 value ? a.set(at, count) : a.clear(at, count);
                 if (at >= 0)
                     grow(at + std::max(count, 1)), std::fill_n(m.begin() + at, std::max(count, 1), value);
-                break;
-            case 2: { // a list, one resize to its largest entry; negative entries skipped
+            } else if (op == 2) { // a list, one resize to its largest entry; negative entries skipped
                 ZEFArray<int> array;
                 array.assign(int(list.size()));
                 std::copy(list.begin(), list.end(), array.vbegin());
@@ -161,16 +158,13 @@ TEST(ZEFBoolArray, RandomOperationsMatchModel) {
                 for (int e : list)
                     if (e >= 0)
                         m[e] = kind != 2;
-                break;
-            }
-            case 3: // below the size only, or every data byte of the capacity (toggleAll)
+            } else if (op == 3) { // below the size only, or every data byte of the capacity (toggleAll)
                 kind == 0 ? a.setAll() : kind == 1 ? a.clearAll() : kind == 2 ? a.inverse() : a.toggleAll();
                 kind < 2 ? std::fill(m.begin(), m.end(), kind == 0) : m.flip();
                 for (std::size_t k = m.size(); kind > 2 && n > 0 && k < before.size(); ++k)
                     ASSERT_NE(a.getNoSizeTest(int(k)), before[k]);
                 spareKept = kind < 3 || n == 0;
-                break;
-            case 4: // OR, XOR to the larger size; clear(other) keeps the size
+            } else if (op == 4) { // OR, XOR to the larger size; clear(other) keeps the size
                 if (kind < 3)
                     grow((long long)om.size());
                 for (std::size_t k = 0; k < std::min(om.size(), m.size()); ++k)
@@ -180,11 +174,11 @@ TEST(ZEFBoolArray, RandomOperationsMatchModel) {
                 : kind == 2 ? a.toggle(other)
                             : a.clear(other);
                 spareKept = kind > 2;
-                break;
-            case 5: { // the partial byte keeps only bits below the size; the next byte is marked with 1
+            } else if (op == 5 && n == 0) { // an empty array stays as it is
                 a.inter(other);
-                if (n == 0)
-                    break;
+                spareKept = true;
+            } else if (op == 5) { // the partial byte keeps only bits below the size, the next byte takes 1
+                a.inter(other);
                 const std::size_t smaller = std::min(om.size(), m.size());
                 m.resize(smaller);
                 for (std::size_t k = 0; k < smaller; ++k)
@@ -194,9 +188,7 @@ TEST(ZEFBoolArray, RandomOperationsMatchModel) {
                     ASSERT_FALSE(a.getNoSizeTest(k));
                 for (int k = 0; after < a.capBits() && k < 8; ++k)
                     ASSERT_EQ(a.getNoSizeTest(after + k), k == 0);
-                break;
-            }
-            case 6: {
+            } else if (op == 6) {
                 bool common = false, contains = true;
                 for (std::size_t k = 0; k < om.size(); ++k) {
                     common = common || (om[k] && k < m.size() && m[k]);
@@ -205,23 +197,18 @@ TEST(ZEFBoolArray, RandomOperationsMatchModel) {
                 EXPECT_TRUE(a.hasInter(other) == common && a.bitTest(other) == contains && a.bitTest(a));
                 EXPECT_EQ(a.hasInter(a), a.findFirst(true) != -1);
                 ASSERT_EQ(a.raw(), before);
-                break;
-            }
-            case 7: { // in place: the new last byte keeps its bits, old spare bits take value
+            } else if (op == 7) { // in place: the new last byte keeps its bits, old spare bits take value
                 const int size = n > 300 ? pick(rng, 0, 60) : pick(rng, 0, n + 40);
                 a.resize(size, value);
                 for (std::size_t k = std::size_t(size); size < n && k < capBytes * 8; ++k)
                     ASSERT_EQ(a.getNoSizeTest(int(k)),
                               k < bytesFor(size) * 8 && k < m.size() ? before[k] : value);
                 m.resize(std::size_t(size), value);
-                break;
-            }
-            case 8:
+            } else if (op == 8) {
                 a.assign(at + 2, value);
                 m.assign(std::size_t(at + 2), value);
                 spareAll = value;
-                break;
-            case 9: { // raw bytes: spare bits of the last byte come from the source too
+            } else if (op == 9) { // raw bytes: spare bits of the last byte come from the source too
                 std::vector<char> bytes(std::size_t(pick(rng, 0, 12)));
                 for (char &c : bytes)
                     c = char(pick(rng, -128, 127));
@@ -235,9 +222,7 @@ TEST(ZEFBoolArray, RandomOperationsMatchModel) {
                     else
                         ASSERT_EQ(a.getNoSizeTest(int(k)), bit);
                 }
-                break;
-            }
-            case 10: { // copy with a fill, or assignment; also from itself
+            } else if (op == 10) { // copy with a fill, or assignment; also from itself
                 const bool fill = kind & 1;
                 if (kind < 2)
                     a.copy(value ? other : a, fill);
@@ -245,20 +230,16 @@ TEST(ZEFBoolArray, RandomOperationsMatchModel) {
                     EXPECT_TRUE(ZEFBoolArray(a = value ? other : a) == a);
                 spareAll = kind < 2 && fill;
                 m = value ? om : m;
-                break;
-            }
-            case 11: // nothing at the end, nothing into an empty array
+            } else if (op == 11) { // nothing at the end, nothing into an empty array
                 value ? a.insert(at, kind & 1) : a.erase(at);
                 if (at >= 0 && at < n)
                     value ? void(m.insert(m.begin() + at, kind & 1)) : void(m.erase(m.begin() + at));
                 spareKept = !value;
-                break;
-            case 12:
+            } else if (op == 12) {
                 a.clearArray();
                 m.clear();
                 capBytes = 0;
-                break;
-            case 13: {
+            } else if (op == 13) {
                 Probe copy(a); // a copy is exact: no room beyond its size, spare bits clear
                 ASSERT_EQ(copy.capBits(), (long long)(bytesFor(m.size()) * 8));
                 for (long long k = copy.numBits(); k < copy.capBits(); ++k)
@@ -267,8 +248,6 @@ TEST(ZEFBoolArray, RandomOperationsMatchModel) {
                 expectMatches(a, om, bytesFor(om.size()));
                 a.swap(copy);
                 capBytes = bytesFor(m.size());
-                break;
-            }
             }
             for (long long k = a.numBits(); spareAll >= 0 && k < a.capBits(); ++k)
                 ASSERT_EQ(a.getNoSizeTest(int(k)), spareAll == 1) << "op " << op;

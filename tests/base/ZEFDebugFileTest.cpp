@@ -32,29 +32,21 @@ TEST(ZEFDebugFile, RecordsAreCutTerminatedAndFlushed) {
     ZEFDebugFile::writeDebugFile(""); // opens, and so empties, the file; writes nothing
     FILE *file = ZEFDebugFile::getDebugFile();
     fs::current_path(home);
-    ASSERT_NE(file, nullptr);
-    EXPECT_EQ(ZEFDebugFile::getDebugFile(), file);
+    ASSERT_TRUE(file != nullptr && ZEFDebugFile::getDebugFile() == file);
     EXPECT_EQ(readAll(log), "");
 
-    // Read back at once: each record is on disk without closing the file.
-    ZEFDebugFile::writeDebugFile("first");
-    EXPECT_EQ(readAll(log), "first\n");
-    ZEFDebugFile::writeDebugFile("second\n");
-    EXPECT_EQ(readAll(log), "first\nsecond\n");
-
-    std::string longText(5000, 'x');
+    // Read back at once: each record is on disk without closing the file. A line end is
+    // added where missing; a longer text is cut to the limit, one that ends in a line
+    // end exactly at the limit is written unchanged.
+    std::string longText(5000, 'x'), exact(kMaxTextBytes - 1, 'w');
     longText[kMaxTextBytes - 1] = 'y';
     longText[kMaxTextBytes] = 'z';
-    ZEFDebugFile::writeDebugFile(longText.c_str());
-    const std::string cut = longText.substr(0, kMaxTextBytes) + "\n";
-    EXPECT_EQ(readAll(log), "first\nsecond\n" + cut);
-
-    // A text that ends in a line end exactly at the limit is written unchanged.
-    std::string exact(kMaxTextBytes - 1, 'w');
     exact += '\n';
-    ZEFDebugFile::writeDebugFile(exact.c_str());
-    ZEFDebugFile::writeDebugFile(nullptr);
-    EXPECT_EQ(readAll(log), "first\nsecond\n" + cut + exact);
+    ZEFDebugFile::writeDebugFile("first");
+    EXPECT_EQ(readAll(log), "first\n");
+    for (const char *text : {"second\n", longText.c_str(), exact.c_str(), static_cast<const char *>(nullptr)})
+        ZEFDebugFile::writeDebugFile(text);
+    EXPECT_EQ(readAll(log), "first\nsecond\n" + longText.substr(0, kMaxTextBytes) + "\n" + exact);
 
     std::error_code ignored;
     fs::remove_all(dir, ignored);

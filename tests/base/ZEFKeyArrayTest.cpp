@@ -115,25 +115,16 @@ TEST(ZEFKeyArray, RandomSequenceMatchesMap) {
         std::free(g_keys[i]);
 }
 
-namespace {
-// Opens the renumbering that ZEFKey keeps for its subclasses.
-class RenumberedKey : public ZEFKey {
-public:
-    using ZEFKey::setKey;
-};
-} // namespace
-
 // A key is filed under the number it has when added: 0 by default, the source's for a
-// copy, the one set by a subclass before the addition.
+// copy, the one set by a subclass (which opens the protected renumbering) before.
 TEST(ZEFKeyArray, KeysAreFiledUnderTheirNumberWhenAdded) {
-    ZEFKey plain, seven(7);
-    ZEFKey copy(seven);
-    RenumberedKey renumbered;
+    struct RenumberedKey : ZEFKey {
+        using ZEFKey::setKey;
+    } renumbered;
     renumbered.setKey(5);
+    ZEFKey plain, seven(7), copy(seven);
     ZEFKeyArray array;
     ASSERT_TRUE(array.addKey(&plain) && array.addKey(&copy) && array.addKey(&renumbered));
-    EXPECT_EQ(array.findKey(0), &plain);
-    EXPECT_EQ(array.findKey(7), &copy);
-    EXPECT_EQ(array.findKey(5), &renumbered);
+    EXPECT_TRUE(array.findKey(0) == &plain && array.findKey(7) == &copy && array.findKey(5) == &renumbered);
     array.clear(); // these keys are not the array's to delete
 }

@@ -50,123 +50,71 @@ TEST(ZEFPtrDList, RandomSequenceMatchesListAndCursor) {
     std::list<void *> model;
     int cur = -1;
     auto at = [&](int i) { return std::next(model.begin(), i); };
-    auto removeFirst = [&](int n) {
-        model.pop_front();
-        cur = n == 1 ? -1 : cur == 0 ? 0 : cur - 1;
-    };
-    auto removeLast = [&](int n) {
-        model.pop_back();
-        cur = n - 2;
-    }; // walks to the new last
+    auto removeFirst = [&](int n) { model.pop_front(), cur = n == 1 ? -1 : cur == 0 ? 0 : cur - 1; };
+    auto removeLast = [&](int n) { model.pop_back(), cur = n - 2; }; // walks to the new last
     for (int step = 0; step < 30000; ++step) {
         SCOPED_TRACE(step);
         const int n = int(model.size()), pos = zeftest::pick(rng, -1, n + 1), r = zeftest::pick(rng, 0, 5);
-        const bool valid = pos >= 0 && pos < n;
-        void *p = r < 5 ? &g_pool[r] : nullptr;
         const int op = zeftest::pick(rng, n < kMaxSize ? 0 : 3, 15);
+        void *p = r < 5 ? &g_pool[r] : nullptr;
+        const auto found = p ? std::find(model.begin(), model.end(), p) : model.end();
+        const int where = int(std::distance(model.begin(), found)); // n if not stored
+        const bool valid = pos >= 0 && pos < n;
         bool expected = n > 0, result = false;
         std::vector<s_ZEFPtrDListElement *> elements;
-        switch (op) {
-        case 0:
-            result = list.prepend(p), expected = true;
-            model.push_front(p);
-            cur = n ? cur + 1 : 0;
-            break;
-        case 1:
-            result = list.append(p), expected = true;
-            model.push_back(p);
-            cur = n ? cur : 0;
-            break;
-        case 2:
-            result = list.insert(p, pos);
-            if ((expected = pos >= 0 && pos <= n && n > 0))
+        if (op == 0) {
+            result = list.prepend(p), expected = true, model.push_front(p), cur = n ? cur + 1 : 0;
+        } else if (op == 1) {
+            result = list.append(p), expected = true, model.push_back(p), cur = n ? cur : 0;
+        } else if (op == 2) {
+            result = list.insert(p, pos), expected = pos >= 0 && pos <= n && n > 0;
+            if (expected)
                 model.insert(at(pos), p), cur = pos == 0 ? cur + 1 : pos == n ? cur : pos;
-            break;
-        case 3:
-        case 4: {
+        } else if (op == 3 || op == 4) {
             s_ZEFPtrDListElement *e = op == 4 ? list.getElement(pos) : nullptr;
-            void *got = op == 3 ? list.getData(pos) : e ? e->m_data : nullptr;
-            ASSERT_EQ(got, valid ? *at(pos) : nullptr);
-            result = expected = valid;
-            cur = valid ? pos : cur;
-            break;
-        }
-        case 5:
-            result = list.goToStart();
-            cur = n ? 0 : -1;
-            break;
-        case 6:
-            result = list.goToEnd();
-            cur = n - 1;
-            break;
-        case 7:
-            result = list.goToNext();
-            expected = n > 0 && cur < n - 1;
-            cur += expected;
-            break;
-        case 8:
-            result = list.goToPrev();
-            expected = n > 0 && cur > 0;
-            cur -= expected;
-            break;
-        case 9: {
-            result = list.goToData(p);
-            auto found = p ? std::find(model.begin(), model.end(), p) : model.end();
-            if ((expected = found != model.end()))
-                cur = int(std::distance(model.begin(), found));
-            break;
-        }
-        case 10:
-            result = list.goToPosition(pos), expected = valid;
-            cur = valid ? pos : cur;
-            break;
-        case 11: // relinks: the same elements, in reverse (checked below)
+            ASSERT_EQ(op == 3 ? list.getData(pos) : e ? e->m_data : nullptr, valid ? *at(pos) : nullptr);
+            result = expected = valid, cur = valid ? pos : cur;
+        } else if (op == 5) {
+            result = list.goToStart(), cur = n ? 0 : -1;
+        } else if (op == 6) {
+            result = list.goToEnd(), cur = n - 1;
+        } else if (op == 7 || op == 8) {
+            result = op == 7 ? list.goToNext() : list.goToPrev();
+            expected = n > 0 && (op == 7 ? cur < n - 1 : cur > 0), cur += expected * (op == 7 ? 1 : -1);
+        } else if (op == 9) {
+            result = list.goToData(p), expected = where < n, cur = where < n ? where : cur;
+        } else if (op == 10) {
+            result = list.goToPosition(pos), expected = valid, cur = valid ? pos : cur;
+        } else if (op == 11) { // relinks: the same elements, in reverse (checked below)
             elements = chain(list, model.size());
             ASSERT_TRUE(n == 0 || list.goToPosition(cur));
-            result = list.reverseList();
-            if ((expected = n >= 2))
+            result = list.reverseList(), expected = n >= 2;
+            if (expected)
                 model.reverse(), cur = 0, std::reverse(elements.begin(), elements.end());
-            break;
-        case 12:
+        } else if (op == 12) {
             result = r < 3 ? list.removeFirstData() : list.removeLastData();
             if (n > 0)
                 r < 3 ? removeFirst(n) : removeLast(n);
-            break;
-        case 13:
+        } else if (op == 13) {
             result = list.removeData(pos), expected = valid;
             if (valid && (pos == 0 || pos == n - 1))
                 pos == 0 ? removeFirst(n) : removeLast(n);
             else if (valid)
                 model.erase(at(pos)), cur = pos - 1; // on the element before the gap
-            break;
-        case 14:
-            result = list.removeData(p);
-            if (!p || n == 0) {
-                expected = false;
-            } else if (model.front() == p) {
-                removeFirst(n);
-            } else if (model.back() == p) {
-                removeLast(n);
-            } else {
-                auto found = std::find(model.begin(), model.end(), p);
-                expected = found != model.end();
-                cur = expected ? int(std::distance(model.begin(), found)) - 1 : n - 1;
-                if (expected)
-                    model.erase(found);
-            }
-            break;
-        default:
-            if (r == 0) {
-                result = list.removeAll(pos & 1), model.clear(), cur = -1;
-            } else if (r < 3) {
-                ZEFPtrDList copy(list);
-                list = copy;
-                result = expected = true, cur = n ? 0 : -1;
-            } else {
-                list = list;
-                result = expected = true;
-            }
-            break;
+        } else if (op == 14) { // first, then last, then the lowest position; not found: on the last
+            result = list.removeData(p), expected = where < n;
+            if (where < n && (where == 0 || model.back() == p))
+                where == 0 ? removeFirst(n) : removeLast(n);
+            else if (where < n)
+                model.erase(found), cur = where - 1;
+            else
+                cur = p && n ? n - 1 : cur;
+        } else if (r == 0) {
+            result = list.removeAll(pos & 1), model.clear(), cur = -1;
+        } else {
+            ZEFPtrDList copy(list);
+            r < 3 ? void(list = copy) : void(list = list);
+            result = expected = true, cur = r < 3 && n ? 0 : cur;
         }
         ASSERT_EQ(result, expected);
         expectMatches(list, model, cur);
