@@ -12,6 +12,11 @@ TEST(BoundingBox2D, EmptyMarkerAndSetFromABox) {
     box.m_min.y() = 3.0f; // an empty box is copied as empty, y included
     r.set(box);
     EXPECT_TRUE(!r.isInitialized() && r.m_min.y() == 3.0f);
+    box.set(Vector3f(-1, 2, 0));
+    box.add(Vector3f(3, 4, 0));
+    r.set(box);
+    r.clear(); // x only
+    EXPECT_TRUE(r.m_min.x() == 1.0f && r.m_max.x() == 0.0f && r.m_min.y() == 2.0f && r.m_max.y() == 4.0f);
 }
 
 // Random rectangles on integer corners (touching is frequent), some empty or cleared,

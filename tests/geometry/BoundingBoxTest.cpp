@@ -19,6 +19,8 @@ TEST(BoundingBox, EmptyMarkerAndFastPath) {
     box.add(empty);
     box.add(box); // aliasing
     EXPECT_TRUE(spans(box, Vector3f(1, 6, 7), Vector3f(5, 9, 7)));
+    box.clear(); // x only
+    EXPECT_TRUE(spans(box, Vector3f(1, 6, 7), Vector3f(0, 9, 7)));
     empty.m_min.y() = 50.0f;
     box.set(empty); // an empty box is copied as empty
     EXPECT_TRUE(!box.isInitialized() && box.m_min.y() == 50.0f);

@@ -62,7 +62,9 @@ TEST(PlaneFigureQueries, LineLineDeterminantBoundAndRounding) {
     float point[2] = {kSentinel, kSentinel}, t1 = kSentinel, t2 = kSentinel;
     // d1 = (s, 0) against (0, 1): the determinant is s. The float nearest 0.0001 is below the double.
     const float atBound[2] = {0.0001f, 0}, above[2] = {std::nextafter(0.0001f, 1.0f), 0};
+    const float small1[2] = {0.005f, 0}, small2[2] = {0, 0.005f}; // the raw determinant, not scaled
     EXPECT_EQ(inter2dLineLine(point, t1, t2, p1, atBound, p2, d2), e_geomParallel);
+    EXPECT_EQ(inter2dLineLine(point, t1, t2, p1, small1, p2, small2), e_geomParallel);
     EXPECT_TRUE(point[0] == kSentinel && point[1] == kSentinel && t1 == kSentinel && t2 == kSentinel);
     EXPECT_EQ(inter2dLineLine(point, t1, t2, p1, above, p2, d2), e_geomPoint);
     EXPECT_TRUE(t1 == float(1.0 / above[0]) && t2 == 2.0f && point[1] == 0.0f);
@@ -162,6 +164,7 @@ TEST(PlaneFigureQueries, PointInPolygonBoundaryRules) {
         EXPECT_FALSE(pointIn2DPolygon(right, f, l) || pointIn2DPolygon(bottom, f, l));
         EXPECT_FALSE(pointIn2DPolygon(inside, f, f + 1) || pointIn2DPolygon(inside, f, f));
     }
+    EXPECT_FALSE(pointIn2DPolygon(inside, static_cast<const Vector3f *>(nullptr), nullptr));
     // A vertex at p.x above p is counted once: the triangle holds (0, 0.5).
     const Vector3f tri[3] = {{-1, 0, 5}, {1, 0, -5}, {0, 1, 0}};
     const float mid[2] = {0, 0.5f}, apexAbove[2] = {0, 1.5f};
