@@ -5,7 +5,10 @@
 #include "zefcore/kernel/EnhancedMathFunctions.h"
 
 #include <cmath>
+#include <cstring>
 #include <utility>
+
+#include "zefcore/kernel/internal/WideDouble.h"
 
 namespace {
 
@@ -27,23 +30,51 @@ void EnhancedMathFunctions::subMatrices(float *const out, float const *const a, 
         out[i] = float(double(a[i]) - b[i]);
 }
 
-void EnhancedMathFunctions::multMatrices(float *const out, float const *const a, float const *const b) const {
-    // Ascending stores: out must be distinct from a and b.
+namespace {
+
+using zefwide::Double4;
+using zefwide::load4;
+using zefwide::store4;
+
+// Sets out = a * b: column c of out is ((A0*b0 + A1*b1) + A2*b2) + A3*b3 with Ak
+// the columns of a widened to double and bk = b[4*c + k]: for each element the
+// sum of the plain form, in its order, rounded once at the store.
+ZEFWIDE_INLINE void multiplyColumns(float *const out, float const *const a, float const *const b) {
+    const Double4 a0 = zefwide::widen(load4(a));
+    const Double4 a1 = zefwide::widen(load4(a + 4));
+    const Double4 a2 = zefwide::widen(load4(a + 8));
+    const Double4 a3 = zefwide::widen(load4(a + 12));
     for (int c = 0; c < 4; ++c) {
-        for (int r = 0; r < 4; ++r) {
-            out[4 * c + r] = float(double(a[r]) * b[4 * c] + double(a[4 + r]) * b[4 * c + 1] +
-                                   double(a[8 + r]) * b[4 * c + 2] + double(a[12 + r]) * b[4 * c + 3]);
-        }
+        const float *bc = b + 4 * c;
+        const Double4 sum = a0 * double(bc[0]) + a1 * double(bc[1]) + a2 * double(bc[2]) + a3 * double(bc[3]);
+        store4(out + 4 * c, zefwide::narrow(sum));
+    }
+}
+#if ZEFWIDE_X86
+// The same sums with AVX2: each column of b is widened once and its elements
+// spread over the lanes by permutation.
+ZEFWIDE_AVX2 void multiplyColumnsAvx2(float *const out, float const *const a, float const *const b) {
+    const __m256d a0 = _mm256_cvtps_pd(_mm_loadu_ps(a));
+    const __m256d a1 = _mm256_cvtps_pd(_mm_loadu_ps(a + 4));
+    const __m256d a2 = _mm256_cvtps_pd(_mm_loadu_ps(a + 8));
+    const __m256d a3 = _mm256_cvtps_pd(_mm_loadu_ps(a + 12));
+    for (int c = 0; c < 4; ++c) {
+        const __m256d bc = _mm256_cvtps_pd(_mm_loadu_ps(b + 4 * c));
+        __m256d sum = _mm256_mul_pd(a0, _mm256_permute4x64_pd(bc, 0x00));
+        sum = _mm256_add_pd(sum, _mm256_mul_pd(a1, _mm256_permute4x64_pd(bc, 0x55)));
+        sum = _mm256_add_pd(sum, _mm256_mul_pd(a2, _mm256_permute4x64_pd(bc, 0xAA)));
+        sum = _mm256_add_pd(sum, _mm256_mul_pd(a3, _mm256_permute4x64_pd(bc, 0xFF)));
+        _mm_storeu_ps(out + 4 * c, _mm256_cvtpd_ps(sum));
     }
 }
 
-void EnhancedMathFunctions::multMatrixVec3f(float *const out, float const *const m,
-                                            float const *const v) const {
-    // All of v is read first, so out may be v.
-    const float x = v[0];
-    const float y = v[1];
-    const float z = v[2];
-    const double w = double(m[3]) * x + double(m[7]) * y + double(m[11]) * z + m[15];
+// Sets out[0..2] to the point v through m with the divide; see multMatrixVec3f.
+// The four sums of a row each are the plain ones: lane 3 is w.
+ZEFWIDE_INLINE void transformPoint(float *const out, float const *const m, float const *const v) {
+    const double x = v[0], y = v[1], z = v[2];
+    const Double4 sum = zefwide::widen(load4(m)) * x + zefwide::widen(load4(m + 4)) * y +
+                        zefwide::widen(load4(m + 8)) * z + zefwide::widen(load4(m + 12));
+    const double w = sum[3];
     // Exact zero test: a point at infinity maps to the origin.
     if (w == 0.0) {
         out[0] = 0.0f;
@@ -51,8 +82,37 @@ void EnhancedMathFunctions::multMatrixVec3f(float *const out, float const *const
         out[2] = 0.0f;
         return;
     }
-    for (int k = 0; k < 3; ++k)
-        out[k] = float((double(m[k]) * x + double(m[4 + k]) * y + double(m[8 + k]) * z + m[12 + k]) / w);
+    const zefwide::Float4 r = zefwide::narrow(sum / w);
+    std::memcpy(out, &r, 3 * sizeof(float)); // out[3] is not ours
+}
+ZEFWIDE_AVX2 void transformPointAvx2(float *const out, float const *const m, float const *const v) {
+    transformPoint(out, m, v);
+}
+#endif
+
+} // namespace
+
+void EnhancedMathFunctions::multMatrices(float *const out, float const *const a, float const *const b) const {
+    // Column by column: out must be distinct from a and b.
+#if ZEFWIDE_X86
+    if (zefwide::hasAvx2) {
+        multiplyColumnsAvx2(out, a, b);
+        return;
+    }
+#endif
+    multiplyColumns(out, a, b);
+}
+
+void EnhancedMathFunctions::multMatrixVec3f(float *const out, float const *const m,
+                                            float const *const v) const {
+    // All of v is read first, so out may be v.
+#if ZEFWIDE_X86
+    if (zefwide::hasAvx2) {
+        transformPointAvx2(out, m, v);
+        return;
+    }
+#endif
+    transformPoint(out, m, v);
 }
 
 void EnhancedMathFunctions::multMatrixVec4f(float *const out, float const *const m,

@@ -1,0 +1,130 @@
+// The kernel's vectorised products against the plain scalar forms kept here:
+// the same bits on random inputs with full mantissas, on cancellations, and on
+// NaN, infinities, subnormals and signed zeros, in place where allowed.
+#include "zefcore/kernel/EnhancedMathFunctions.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <random>
+
+namespace {
+
+void plainMultMatrices(float *out, const float *a, const float *b) {
+    for (int c = 0; c < 4; ++c)
+        for (int r = 0; r < 4; ++r)
+            out[4 * c + r] = float(double(a[r]) * b[4 * c] + double(a[4 + r]) * b[4 * c + 1] +
+                                   double(a[8 + r]) * b[4 * c + 2] + double(a[12 + r]) * b[4 * c + 3]);
+}
+
+void plainMultMatrixVec3f(float *out, const float *m, const float *v) {
+    const float x = v[0], y = v[1], z = v[2];
+    const double w = double(m[3]) * x + double(m[7]) * y + double(m[11]) * z + m[15];
+    if (w == 0.0) {
+        out[0] = out[1] = out[2] = 0.0f;
+        return;
+    }
+    for (int k = 0; k < 3; ++k)
+        out[k] = float((double(m[k]) * x + double(m[4 + k]) * y + double(m[8 + k]) * z + m[12 + k]) / w);
+}
+
+void plainMultQuaternions(float *out, const float *a, const float *b) {
+    const double a0 = a[0], a1 = a[1], a2 = a[2], a3 = a[3];
+    const double b0 = b[0], b1 = b[1], b2 = b[2], b3 = b[3];
+    const float o0 = float(a0 * b0 - a1 * b1 - a2 * b2 - a3 * b3);
+    const float o1 = float(a0 * b1 + a1 * b0 + a2 * b3 - a3 * b2);
+    const float o2 = float(a0 * b2 + a2 * b0 + a3 * b1 - a1 * b3);
+    const float o3 = float(a0 * b3 + a3 * b0 + a1 * b2 - a2 * b1);
+    out[0] = o0, out[1] = o1, out[2] = o2, out[3] = o3;
+}
+
+// Same bits, except that any two NaNs match: which operand's payload an
+// instruction passes on follows the operand order the compiler picks.
+::testing::AssertionResult sameFloats(const float *got, const float *want, int n) {
+    for (int i = 0; i < n; ++i)
+        if (std::memcmp(&got[i], &want[i], sizeof(float)) != 0 && !(std::isnan(got[i]) && std::isnan(want[i])))
+            return ::testing::AssertionFailure() << "element " << i << ": " << got[i] << " vs " << want[i];
+    return ::testing::AssertionSuccess();
+}
+
+// Returns a float with a random full mantissa, or now and then a special value
+// or one that makes terms cancel.
+float draw(std::mt19937 &rng, bool specials) {
+    const float kSpecial[] = {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(),
+                              -std::numeric_limits<float>::infinity(), std::numeric_limits<float>::denorm_min(),
+                              -0.0f, 0.0f, 1.0f, -1.0f, 3.4e38f, 1e-38f};
+    if (specials && rng() % 8 == 0)
+        return kSpecial[rng() % 10];
+    std::uniform_real_distribution<float> u(-1.0f, 1.0f);
+    const float scale = std::ldexp(1.0f, int(rng() % 40) - 20);
+    return u(rng) * scale;
+}
+
+constexpr int kRounds = 20000;
+
+} // namespace
+
+TEST(FastPathEquivalence, MatrixProductAndPointMatchPlainBits) {
+    const EnhancedMathFunctions &k = *EnhancedMathFunctions::getCurrent();
+    std::mt19937 rng(7);
+    for (int round = 0; round < kRounds; ++round) {
+        const bool specials = round % 4 == 3;
+        float a[16], b[16], got[16], want[16];
+        for (int i = 0; i < 16; ++i) {
+            a[i] = draw(rng, specials);
+            b[i] = draw(rng, specials);
+        }
+        if (round % 5 == 0) { // the first two terms cancel exactly; the order of the rest shows
+            for (int i = 0; i < 4; ++i) {
+                a[i] = std::ldexp(a[i], 30);
+                a[4 + i] = -a[i];
+                b[4 * i + 1] = b[4 * i];
+            }
+        }
+        k.multMatrices(got, a, b);
+        plainMultMatrices(want, a, b);
+        ASSERT_TRUE(sameFloats(got, want, 16)) << "round " << round;
+
+        float v[4] = {draw(rng, specials), draw(rng, specials), draw(rng, specials), 42.0f};
+        if (round % 7 == 0) // w exactly zero
+            a[15] = float(-(double(a[3]) * v[0] + double(a[7]) * v[1] + double(a[11]) * v[2]));
+        float p[4] = {-5.0f, -5.0f, -5.0f, 42.0f};
+        plainMultMatrixVec3f(want, a, v);
+        k.multMatrixVec3f(p, a, v);
+        ASSERT_TRUE(sameFloats(p, want, 3)) << "round " << round;
+        EXPECT_EQ(p[3], 42.0f); // the fourth float is not written
+        k.multMatrixVec3f(v, a, v); // in place
+        ASSERT_TRUE(sameFloats(v, want, 3)) << "in place, round " << round;
+    }
+}
+
+TEST(FastPathEquivalence, QuaternionProductMatchesPlainBits) {
+    const EnhancedMathFunctions &k = *EnhancedMathFunctions::getCurrent();
+    std::mt19937 rng(11);
+    for (int round = 0; round < kRounds; ++round) {
+        const bool specials = round % 4 == 3;
+        float a[4], b[4], got[4], want[4];
+        for (int i = 0; i < 4; ++i) {
+            a[i] = draw(rng, specials);
+            b[i] = draw(rng, specials);
+        }
+        if (round % 5 == 0) { // a0*b0 and a1*b1 cancel exactly in element 0
+            a[0] = std::ldexp(a[0], 30);
+            a[1] = a[0];
+            b[1] = b[0];
+        }
+        plainMultQuaternions(want, a, b);
+        k.multQuaternions(got, a, b);
+        ASSERT_TRUE(sameFloats(got, want, 4)) << "round " << round;
+        float c[4];
+        std::memcpy(c, a, sizeof c);
+        k.multQuaternions(c, c, b); // out is a
+        ASSERT_TRUE(sameFloats(c, want, 4)) << "out is a, round " << round;
+        std::memcpy(c, b, sizeof c);
+        k.multQuaternions(c, a, c); // out is b
+        ASSERT_TRUE(sameFloats(c, want, 4)) << "out is b, round " << round;
+    }
+}

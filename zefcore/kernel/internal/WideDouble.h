@@ -1,0 +1,57 @@
+// Four doubles at a time for the kernel's fixed-size arithmetic: GCC vector
+// types whose operations are the scalar ones lane by lane (same rounding, no
+// contraction), built for the baseline instruction set and, for the functions
+// marked ZEFWIDE_AVX2, for AVX2, chosen at run time through hasAvx2.
+// Every helper here has internal linkage and is always inlined, so no function
+// is ever compiled with two instruction sets under one name.
+#pragma once
+
+#include <cstring>
+
+#if defined(__x86_64__) || defined(__i386__)
+#define ZEFWIDE_X86 1
+#include <immintrin.h>
+#else
+#define ZEFWIDE_X86 0
+#endif
+
+// The helpers pass 32-byte vectors by value; they are always inlined, so the
+// calling convention for such values never applies. The warning about it stays
+// off in the file that includes this one, where the helpers are inlined.
+#pragma GCC diagnostic ignored "-Wpsabi"
+
+namespace zefwide {
+
+typedef double Double4 __attribute__((vector_size(32)));
+typedef float Float4 __attribute__((vector_size(16)));
+
+#define ZEFWIDE_INLINE static inline __attribute__((always_inline))
+#define ZEFWIDE_AVX2 __attribute__((target("avx2"), noinline))
+
+// True on a processor with AVX2, from library load on; false before, which only
+// selects the baseline path: both give the same bits.
+// Only on x86, where the AVX2 functions exist.
+#if ZEFWIDE_X86
+static const bool hasAvx2 = [] {
+    __builtin_cpu_init();
+    return __builtin_cpu_supports("avx2") != 0;
+}();
+#endif
+
+// Returns the four floats at p (any alignment).
+ZEFWIDE_INLINE Float4 load4(const float *p) {
+    Float4 v;
+    std::memcpy(&v, p, sizeof v);
+    return v;
+}
+
+// Sets the four floats at p (any alignment) to v.
+ZEFWIDE_INLINE void store4(float *p, Float4 v) { std::memcpy(p, &v, sizeof v); }
+
+// Returns v widened to double, exactly.
+ZEFWIDE_INLINE Double4 widen(Float4 v) { return __builtin_convertvector(v, Double4); }
+
+// Returns v rounded to float, lane by lane as a scalar conversion rounds.
+ZEFWIDE_INLINE Float4 narrow(Double4 v) { return __builtin_convertvector(v, Float4); }
+
+} // namespace zefwide
