@@ -88,6 +88,15 @@ void fillBelow(unsigned char *data, int numBits, bool value) {
 
 #define ZEF_INLINE_FIND inline __attribute__((always_inline))
 
+// On x86 the counting loop is built twice, once with the population count
+// instruction, and the loader chooses; elsewhere once. Not under the thread
+// sanitizer, whose runtime is not set up when the loader runs the chooser.
+#if (defined(__x86_64__) || defined(__i386__)) && !defined(__SANITIZE_THREAD__)
+#define ZEF_POPCNT_CLONES __attribute__((target_clones("popcnt", "default")))
+#else
+#define ZEF_POPCNT_CLONES
+#endif
+
 // Word-wise access: eight data bytes at a time, bit i of the word being bit
 // i & 7 of byte i / 8, whatever the byte order of the machine. Words are read
 // only where all eight bytes lie inside the block.
@@ -102,8 +111,8 @@ inline Word loadWord(const unsigned char *p) {
     return w;
 }
 
-// Returns the number of set bits of w. Built twice, the instruction picked at load.
-__attribute__((target_clones("popcnt", "default"))) int countWords(const unsigned char *p, std::size_t words) {
+// Returns the number of set bits in the words 8-byte words at p.
+ZEF_POPCNT_CLONES int countWords(const unsigned char *p, std::size_t words) {
     Word c0 = 0, c1 = 0, c2 = 0, c3 = 0;
     std::size_t i = 0;
     for (; i + 4 <= words; i += 4) {

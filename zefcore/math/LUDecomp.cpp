@@ -64,10 +64,10 @@ constexpr int kStageBlock = 16;
 
 #define ZEF_ALWAYS_INLINE inline __attribute__((always_inline))
 
-// One version per vector width, chosen by the loader. Not under the thread
-// sanitizer: the loader runs the chooser before that runtime is set up, and the
-// instrumented chooser crashes the program at load.
-#if defined(__SANITIZE_THREAD__)
+// One version per vector width, chosen by the loader, on x86 only. Not under the
+// thread sanitizer: the loader runs the chooser before that runtime is set up,
+// and the instrumented chooser crashes the program at load.
+#if defined(__SANITIZE_THREAD__) || !(defined(__x86_64__) || defined(__i386__))
 #define ZEF_VECTOR_CLONES
 #else
 #define ZEF_VECTOR_CLONES __attribute__((target_clones("avx2", "default")))
