@@ -126,6 +126,18 @@ def machine(context, build_dir):
     return "%s, %s cores; %s" % (model, cores, compiler)
 
 
+def library_state():
+    """Returns the commit the library was built from, and whether zefcore/ had local changes."""
+    try:
+        head = subprocess.run(["git", "rev-parse", "--short", "HEAD"], cwd=ROOT, capture_output=True,
+                              text=True, check=True).stdout.strip()
+        dirty = subprocess.run(["git", "status", "--porcelain", "--", "zefcore"], cwd=ROOT, capture_output=True,
+                               text=True, check=True).stdout.strip()
+    except (OSError, subprocess.CalledProcessError):
+        return "unknown"
+    return head + (" with local changes in zefcore/" if dirty else "")
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--build-dir", default=os.path.join(ROOT, "build", "bench"))
@@ -137,6 +149,7 @@ def main():
 
     if not args.no_build:
         build()
+    state = library_state()
 
     rows, medians, errors, context = [], {}, {}, {}
     for program in PROGRAMS:
@@ -160,7 +173,7 @@ def main():
         cases.setdefault(case, {"ours": [], "peers": []})["ours" if lib == OURS else "peers"].append(name)
 
     notes, failed = [], False
-    print("Machine: %s." % machine(context, args.build_dir))
+    print("Machine: %s. Library: %s." % (machine(context, args.build_dir), state))
     print("Median of %d repetitions, CPU time per item; ratio = ours / best peer (above 1: slower)." % args.repetitions)
     print()
     print("| Case | ZEFCore route | ZEFCore | Best peer | Peer | Ratio | Other peers |")
