@@ -13,8 +13,6 @@ EnhancedMathFunctions::EnhancedMathFunctions() { initInvSqrtTable(); }
 
 EnhancedMathFunctions::~EnhancedMathFunctions() = default;
 
-EnhancedMathFunctions *EnhancedMathFunctions::getCurrent() { return initDefaultMathFunctions(); }
-
 EnhancedMathFunctions *EnhancedMathFunctions::initDefaultMathFunctions() {
     if (m_current)
         return m_current;

@@ -39,8 +39,11 @@ public:
     EnhancedMathFunctions();
 
     /// Returns the current kernel, creating the default one if there is none.
-    /// Never null. Each kernel call of the library asks anew.
-    static EnhancedMathFunctions *getCurrent();
+    /// Never null. Each kernel call of the library asks anew; after library load
+    /// this is one test and one read of a static.
+    static EnhancedMathFunctions *getCurrent() {
+        return m_current ? m_current : initDefaultMathFunctions();
+    }
 
     /// Sets this object as the current kernel: ref() on this, then unref() on the
     /// previous one (which, for the base class, destroys it). The current kernel
