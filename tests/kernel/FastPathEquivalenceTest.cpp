@@ -10,6 +10,7 @@
 #include <cstring>
 #include <limits>
 #include <random>
+#include <utility>
 
 namespace {
 
@@ -39,6 +40,63 @@ void plainMultQuaternions(float *out, const float *a, const float *b) {
     const float o2 = float(a0 * b2 + a2 * b0 + a3 * b1 - a1 * b3);
     const float o3 = float(a0 * b3 + a3 * b0 + a1 * b2 - a2 * b1);
     out[0] = o0, out[1] = o1, out[2] = o2, out[3] = o3;
+}
+
+// The element-by-element Gauss-Jordan inverse, rows exchanged by pointer.
+bool plainInverseMatrix(float *out, const float *m) {
+    double left[4][4], right[4][4];
+    for (int i = 0; i < 4; ++i)
+        for (int j = 0; j < 4; ++j) {
+            left[i][j] = m[4 * i + j];
+            right[i][j] = (i == j) ? 1.0 : 0.0;
+        }
+    double *r[4] = {left[0], left[1], left[2], left[3]};
+    double *h[4] = {right[0], right[1], right[2], right[3]};
+    for (int c = 0; c < 3; ++c) {
+        for (int i = 3; i > c; --i)
+            if (std::fabs(r[i][c]) > std::fabs(r[i - 1][c])) {
+                std::swap(r[i], r[i - 1]);
+                std::swap(h[i], h[i - 1]);
+            }
+        if (r[c][c] == 0.0)
+            return false;
+        double f[4] = {0.0, 0.0, 0.0, 0.0};
+        for (int i = c + 1; i < 4; ++i)
+            f[i] = r[i][c] / r[c][c];
+        for (int j = c + 1; j < 4; ++j)
+            for (int i = c + 1; i < 4; ++i)
+                r[i][j] -= f[i] * r[c][j];
+        for (int j = 0; j < 4; ++j) {
+            const double s = h[c][j];
+            if (s != 0.0 || c == 2)
+                for (int i = c + 1; i < 4; ++i)
+                    h[i][j] -= f[i] * s;
+        }
+    }
+    if (r[3][3] == 0.0)
+        return false;
+    double s = 1.0 / r[3][3];
+    for (int j = 0; j < 4; ++j)
+        h[3][j] = h[3][j] * s;
+    s = 1.0 / r[2][2];
+    for (int j = 0; j < 4; ++j)
+        h[2][j] = s * (h[2][j] - h[3][j] * r[2][3]);
+    for (int j = 0; j < 4; ++j) {
+        h[1][j] = h[1][j] - h[3][j] * r[1][3];
+        h[0][j] = h[0][j] - h[3][j] * r[0][3];
+    }
+    s = 1.0 / r[1][1];
+    for (int j = 0; j < 4; ++j)
+        h[1][j] = s * (h[1][j] - h[2][j] * r[1][2]);
+    for (int j = 0; j < 4; ++j)
+        h[0][j] = h[0][j] - h[2][j] * r[0][2];
+    s = 1.0 / r[0][0];
+    for (int j = 0; j < 4; ++j)
+        h[0][j] = s * (h[0][j] - h[1][j] * r[0][1]);
+    for (int i = 0; i < 4; ++i)
+        for (int j = 0; j < 4; ++j)
+            out[4 * i + j] = float(h[i][j]);
+    return true;
 }
 
 // Same bits, except that any two NaNs match: which operand's payload an
@@ -127,4 +185,43 @@ TEST(FastPathEquivalence, QuaternionProductMatchesPlainBits) {
         k.multQuaternions(c, a, c); // out is b
         ASSERT_TRUE(sameFloats(c, want, 4)) << "out is b, round " << round;
     }
+}
+
+TEST(FastPathEquivalence, InverseMatchesPlainBits) {
+    const EnhancedMathFunctions &k = *EnhancedMathFunctions::getCurrent();
+    std::mt19937 rng(13);
+    const float kPivotish[] = {0.0f, -0.0f, 2.0f, -2.0f, 1e-30f, std::numeric_limits<float>::denorm_min()};
+    int inverted = 0, singular = 0;
+    for (int round = 0; round < kRounds; ++round) {
+        const bool specials = round % 4 == 3;
+        float m[16], got[16], want[16];
+        for (int i = 0; i < 16; ++i)
+            m[i] = draw(rng, specials);
+        if (round % 3 == 1) // ties in pivot magnitude with either sign, zeros, and exchanges of axes
+            for (int i = 0; i < 16; ++i)
+                if (rng() % 2 == 0)
+                    m[i] = kPivotish[rng() % 6];
+        if (round % 11 == 0) { // two equal rows: a zero pivot after elimination
+            const int a = int(rng() % 4), b = (a + 1 + int(rng() % 3)) % 4;
+            std::memcpy(m + 4 * b, m + 4 * a, 4 * sizeof(float));
+        }
+        for (float &g : got)
+            g = -7.0f;
+        const bool want_ok = plainInverseMatrix(want, m);
+        ASSERT_EQ(k.inverseMatrix(got, m), want_ok) << "round " << round;
+        if (want_ok) {
+            ++inverted;
+            ASSERT_TRUE(sameFloats(got, want, 16)) << "round " << round;
+        } else {
+            ++singular;
+            for (float g : got)
+                ASSERT_EQ(g, -7.0f) << "written on failure, round " << round;
+        }
+        float in_place[16];
+        std::memcpy(in_place, m, sizeof in_place);
+        ASSERT_EQ(k.inverseMatrix(in_place, in_place), want_ok) << "in place, round " << round;
+        ASSERT_TRUE(sameFloats(in_place, want_ok ? want : m, 16)) << "in place, round " << round;
+    }
+    EXPECT_GT(inverted, kRounds / 2);
+    EXPECT_GT(singular, kRounds / 50);
 }

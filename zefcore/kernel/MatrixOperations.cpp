@@ -6,7 +6,6 @@
 
 #include <cmath>
 #include <cstring>
-#include <utility>
 
 #include "zefcore/kernel/internal/WideDouble.h"
 
@@ -67,6 +66,7 @@ ZEFWIDE_AVX2 void multiplyColumnsAvx2(float *const out, float const *const a, fl
         _mm_storeu_ps(out + 4 * c, _mm256_cvtpd_ps(sum));
     }
 }
+#endif
 
 // Sets out[0..2] to the point v through m with the divide; see multMatrixVec3f.
 // The four sums of a row each are the plain ones: lane 3 is w.
@@ -85,9 +85,113 @@ ZEFWIDE_INLINE void transformPoint(float *const out, float const *const m, float
     const zefwide::Float4 r = zefwide::narrow(sum / w);
     std::memcpy(out, &r, 3 * sizeof(float)); // out[3] is not ours
 }
+#if ZEFWIDE_X86
 ZEFWIDE_AVX2 void transformPointAvx2(float *const out, float const *const m, float const *const v) {
     transformPoint(out, m, v);
 }
+#endif
+
+using zefwide::Long4;
+
+// Exchanges the rows a and b (left and right parts together) if c, without a
+// branch.
+ZEFWIDE_INLINE void exchangeIf(bool c, Double4 &la, Double4 &ha, Double4 &lb, Double4 &hb) {
+    const Long4 k = zefwide::everyLane(c);
+    const Double4 la0 = la, ha0 = ha;
+    la = zefwide::select(k, lb, la0);
+    ha = zefwide::select(k, hb, ha0);
+    lb = zefwide::select(k, la0, lb);
+    hb = zefwide::select(k, ha0, hb);
+}
+
+// Sets h -= f * s lane by lane where s is not zero; leaves the other lanes.
+ZEFWIDE_INLINE Double4 subtractWhereNonZero(Double4 h, double f, Double4 s, Long4 sNonZero) {
+    return zefwide::select(sNonZero, h - f * s, h);
+}
+
+// Gauss-Jordan elimination with partial pivoting in double. The 16 floats are
+// read as four rows in flat order, i.e. the transpose; the inverse of the
+// transpose stored the same way is the inverse in storage order, so no
+// transposition is needed. Each row is a left part L and a right part H of four
+// doubles (H starts as a row of the identity); an exchange of rows exchanges
+// both. Every element goes through the same operations in the same order as in
+// the element-by-element form: the lanes a step has no use for (the eliminated
+// columns of the left parts) are computed too but never read again.
+// Returns false, writing nothing, on a pivot that is exactly zero.
+ZEFWIDE_INLINE bool invertRows(float *const out, float const *const m) {
+    Double4 l0 = zefwide::widen(load4(m));
+    Double4 l1 = zefwide::widen(load4(m + 4));
+    Double4 l2 = zefwide::widen(load4(m + 8));
+    Double4 l3 = zefwide::widen(load4(m + 12));
+    Double4 h0 = {1.0, 0.0, 0.0, 0.0};
+    Double4 h1 = {0.0, 1.0, 0.0, 0.0};
+    Double4 h2 = {0.0, 0.0, 1.0, 0.0};
+    Double4 h3 = {0.0, 0.0, 0.0, 1.0};
+
+    // Column 0: strict comparisons, from the bottom up; zero tests are exact.
+    exchangeIf(std::fabs(l3[0]) > std::fabs(l2[0]), l3, h3, l2, h2);
+    exchangeIf(std::fabs(l2[0]) > std::fabs(l1[0]), l2, h2, l1, h1);
+    exchangeIf(std::fabs(l1[0]) > std::fabs(l0[0]), l1, h1, l0, h0);
+    if (l0[0] == 0.0)
+        return false;
+    {
+        const double m1 = l1[0] / l0[0];
+        const double m2 = l2[0] / l0[0];
+        const double m3 = l3[0] / l0[0];
+        l1 -= m1 * l0;
+        l2 -= m2 * l0;
+        l3 -= m3 * l0;
+        const Long4 nz = zefwide::nonZero(h0);
+        h1 = subtractWhereNonZero(h1, m1, h0, nz);
+        h2 = subtractWhereNonZero(h2, m2, h0, nz);
+        h3 = subtractWhereNonZero(h3, m3, h0, nz);
+    }
+
+    // Column 1.
+    exchangeIf(std::fabs(l3[1]) > std::fabs(l2[1]), l3, h3, l2, h2);
+    exchangeIf(std::fabs(l2[1]) > std::fabs(l1[1]), l2, h2, l1, h1);
+    if (l1[1] == 0.0)
+        return false;
+    {
+        const double m2 = l2[1] / l1[1];
+        const double m3 = l3[1] / l1[1];
+        l2 -= m2 * l1;
+        l3 -= m3 * l1;
+        const Long4 nz = zefwide::nonZero(h1);
+        h2 = subtractWhereNonZero(h2, m2, h1, nz);
+        h3 = subtractWhereNonZero(h3, m3, h1, nz);
+    }
+
+    // Column 2: the last right-hand update has no test on zero.
+    exchangeIf(std::fabs(l3[2]) > std::fabs(l2[2]), l3, h3, l2, h2);
+    if (l2[2] == 0.0)
+        return false;
+    {
+        const double m3 = l3[2] / l2[2];
+        l3 -= m3 * l2;
+        h3 -= m3 * h2;
+    }
+
+    if (l3[3] == 0.0)
+        return false;
+
+    // Back substitution on the right-hand parts.
+    h3 = h3 * (1.0 / l3[3]);
+    h2 = (1.0 / l2[2]) * (h2 - h3 * l2[3]);
+    h1 = h1 - h3 * l1[3];
+    h0 = h0 - h3 * l0[3];
+    h1 = (1.0 / l1[1]) * (h1 - h2 * l1[2]);
+    h0 = h0 - h2 * l0[2];
+    h0 = (1.0 / l0[0]) * (h0 - h1 * l0[1]);
+
+    store4(out, zefwide::narrow(h0));
+    store4(out + 4, zefwide::narrow(h1));
+    store4(out + 8, zefwide::narrow(h2));
+    store4(out + 12, zefwide::narrow(h3));
+    return true;
+}
+#if ZEFWIDE_X86
+ZEFWIDE_AVX2 bool invertRowsAvx2(float *const out, float const *const m) { return invertRows(out, m); }
 #endif
 
 } // namespace
@@ -132,119 +236,13 @@ void EnhancedMathFunctions::multMatrixScalar(float *const out, float const *cons
 }
 
 bool EnhancedMathFunctions::inverseMatrix(float *const out, float const *const m) const {
-    // The 16 floats are read as four rows in flat order, i.e. the transpose; the
-    // inverse of the transpose stored the same way is the inverse in storage
-    // order, so no transposition is needed. Everything works in double on a
-    // copy: out is written only at the end, so it may be m and stays as it was
-    // on failure.
-    double left[4][4];
-    double right[4][4];
-    for (int i = 0; i < 4; ++i) {
-        for (int j = 0; j < 4; ++j) {
-            left[i][j] = m[4 * i + j];
-            right[i][j] = (i == j) ? 1.0 : 0.0;
-        }
-    }
-    double *r0 = left[0], *r1 = left[1], *r2 = left[2], *r3 = left[3];
-    double *h0 = right[0], *h1 = right[1], *h2 = right[2], *h3 = right[3];
-    // Exchanges two rows: their left and right parts move together.
-    auto exchange = [](double *&ra, double *&ha, double *&rb, double *&hb) {
-        std::swap(ra, rb);
-        std::swap(ha, hb);
-    };
-
-    // Column 0: strict comparisons, from the bottom up; zero tests are exact.
-    if (std::fabs(r3[0]) > std::fabs(r2[0]))
-        exchange(r3, h3, r2, h2);
-    if (std::fabs(r2[0]) > std::fabs(r1[0]))
-        exchange(r2, h2, r1, h1);
-    if (std::fabs(r1[0]) > std::fabs(r0[0]))
-        exchange(r1, h1, r0, h0);
-    if (r0[0] == 0.0)
-        return false;
-    {
-        const double m1 = r1[0] / r0[0];
-        const double m2 = r2[0] / r0[0];
-        const double m3 = r3[0] / r0[0];
-        for (int j = 1; j < 4; ++j) {
-            r1[j] -= m1 * r0[j];
-            r2[j] -= m2 * r0[j];
-            r3[j] -= m3 * r0[j];
-        }
-        for (int j = 0; j < 4; ++j) {
-            const double s = h0[j];
-            if (s != 0.0) {
-                h1[j] -= m1 * s;
-                h2[j] -= m2 * s;
-                h3[j] -= m3 * s;
-            }
-        }
-    }
-
-    // Column 1.
-    if (std::fabs(r3[1]) > std::fabs(r2[1]))
-        exchange(r3, h3, r2, h2);
-    if (std::fabs(r2[1]) > std::fabs(r1[1]))
-        exchange(r2, h2, r1, h1);
-    if (r1[1] == 0.0)
-        return false;
-    {
-        const double m2 = r2[1] / r1[1];
-        const double m3 = r3[1] / r1[1];
-        for (int j = 2; j < 4; ++j) {
-            r2[j] -= m2 * r1[j];
-            r3[j] -= m3 * r1[j];
-        }
-        for (int j = 0; j < 4; ++j) {
-            const double s = h1[j];
-            if (s != 0.0) {
-                h2[j] -= m2 * s;
-                h3[j] -= m3 * s;
-            }
-        }
-    }
-
-    // Column 2: the last right-hand update has no test on zero.
-    if (std::fabs(r3[2]) > std::fabs(r2[2]))
-        exchange(r3, h3, r2, h2);
-    if (r2[2] == 0.0)
-        return false;
-    {
-        const double m3 = r3[2] / r2[2];
-        r3[3] -= m3 * r2[3];
-        for (int j = 0; j < 4; ++j)
-            h3[j] -= m3 * h2[j];
-    }
-
-    if (r3[3] == 0.0)
-        return false;
-
-    // Back substitution on the right-hand parts.
-    double s = 1.0 / r3[3];
-    for (int j = 0; j < 4; ++j)
-        h3[j] = h3[j] * s;
-    s = 1.0 / r2[2];
-    for (int j = 0; j < 4; ++j)
-        h2[j] = s * (h2[j] - h3[j] * r2[3]);
-    for (int j = 0; j < 4; ++j) {
-        h1[j] = h1[j] - h3[j] * r1[3];
-        h0[j] = h0[j] - h3[j] * r0[3];
-    }
-    s = 1.0 / r1[1];
-    for (int j = 0; j < 4; ++j)
-        h1[j] = s * (h1[j] - h2[j] * r1[2]);
-    for (int j = 0; j < 4; ++j)
-        h0[j] = h0[j] - h2[j] * r0[2];
-    s = 1.0 / r0[0];
-    for (int j = 0; j < 4; ++j)
-        h0[j] = s * (h0[j] - h1[j] * r0[1]);
-
-    double const *const rows[4] = {h0, h1, h2, h3};
-    for (int i = 0; i < 4; ++i) {
-        for (int j = 0; j < 4; ++j)
-            out[4 * i + j] = float(rows[i][j]);
-    }
-    return true;
+    // m is read whole before out is written, so out may be m; out stays as it
+    // was on failure.
+#if ZEFWIDE_X86
+    if (zefwide::hasAvx2)
+        return invertRowsAvx2(out, m);
+#endif
+    return invertRows(out, m);
 }
 
 void EnhancedMathFunctions::neg(float *const out, float const *const m) const {

@@ -24,6 +24,7 @@ namespace zefwide {
 
 typedef double Double4 __attribute__((vector_size(32)));
 typedef float Float4 __attribute__((vector_size(16)));
+typedef long long Long4 __attribute__((vector_size(32)));
 
 #define ZEFWIDE_INLINE static inline __attribute__((always_inline))
 #define ZEFWIDE_AVX2 __attribute__((target("avx2"), noinline))
@@ -53,5 +54,20 @@ ZEFWIDE_INLINE Double4 widen(Float4 v) { return __builtin_convertvector(v, Doubl
 
 // Returns v rounded to float, lane by lane as a scalar conversion rounds.
 ZEFWIDE_INLINE Float4 narrow(Double4 v) { return __builtin_convertvector(v, Float4); }
+
+// Returns, lane by lane, a where mask is all ones and b where it is zero.
+ZEFWIDE_INLINE Double4 select(Long4 mask, Double4 a, Double4 b) {
+    return (Double4)((mask & (Long4)a) | (~mask & (Long4)b));
+}
+
+// Returns all ones in the lanes where v is not zero (either sign), zero in the
+// others; a NaN lane is not zero.
+ZEFWIDE_INLINE Long4 nonZero(Double4 v) { return (Long4)(v != Double4{0.0, 0.0, 0.0, 0.0}); }
+
+// Returns all ones in every lane if c, zero otherwise.
+ZEFWIDE_INLINE Long4 everyLane(bool c) {
+    const long long k = -static_cast<long long>(c);
+    return Long4{k, k, k, k};
+}
 
 } // namespace zefwide
