@@ -42,6 +42,18 @@ void plainMultQuaternions(float *out, const float *a, const float *b) {
     out[0] = o0, out[1] = o1, out[2] = o2, out[3] = o3;
 }
 
+void plainQuaternionToMatrix(float *out, const float *q) {
+    const double w = q[0], x = q[1], y = q[2], z = q[3];
+    const float r[16] = {float(2.0 * (w * w + x * x) - 1.0), float(2.0 * (x * y + w * z)),
+                         float(2.0 * (x * z - w * y)),       0.0f,
+                         float(2.0 * (x * y - w * z)),       float(2.0 * (w * w + y * y) - 1.0),
+                         float(2.0 * (y * z + w * x)),       0.0f,
+                         float(2.0 * (x * z + w * y)),       float(2.0 * (y * z - w * x)),
+                         float(2.0 * (w * w + z * z) - 1.0), 0.0f,
+                         0.0f, 0.0f, 0.0f, 1.0f};
+    std::memcpy(out, r, sizeof r);
+}
+
 // The element-by-element Gauss-Jordan inverse, rows exchanged by pointer.
 bool plainInverseMatrix(float *out, const float *m) {
     double left[4][4], right[4][4];
@@ -159,7 +171,7 @@ TEST(FastPathEquivalence, MatrixProductAndPointMatchPlainBits) {
     }
 }
 
-TEST(FastPathEquivalence, QuaternionProductMatchesPlainBits) {
+TEST(FastPathEquivalence, QuaternionProductAndMatrixMatchPlainBits) {
     const EnhancedMathFunctions &k = *EnhancedMathFunctions::getCurrent();
     std::mt19937 rng(11);
     for (int round = 0; round < kRounds; ++round) {
@@ -184,6 +196,14 @@ TEST(FastPathEquivalence, QuaternionProductMatchesPlainBits) {
         std::memcpy(c, b, sizeof c);
         k.multQuaternions(c, a, c); // out is b
         ASSERT_TRUE(sameFloats(c, want, 4)) << "out is b, round " << round;
+
+        float rot[16], rot_want[16];
+        plainQuaternionToMatrix(rot_want, a);
+        k.quaternionToMatrix(rot, a);
+        ASSERT_TRUE(sameFloats(rot, rot_want, 16)) << "to matrix, round " << round;
+        std::memcpy(rot, a, sizeof a);
+        k.quaternionToMatrix(rot, rot); // out holds q
+        ASSERT_TRUE(sameFloats(rot, rot_want, 16)) << "to matrix in place, round " << round;
     }
 }
 

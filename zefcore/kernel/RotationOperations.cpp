@@ -81,14 +81,13 @@ using zefwide::Double4;
 // the same value, so the sums are the plain ones. All eight inputs are read
 // before the store: out may be a or b.
 ZEFWIDE_INLINE void hamilton(float *const out, float const *const a, float const *const b) {
-    typedef long long Index4 __attribute__((vector_size(32)));
     const Double4 A = zefwide::widen(zefwide::load4(a));
     const Double4 B = zefwide::widen(zefwide::load4(b));
     const Double4 firstNegated = {-1.0, 1.0, 1.0, 1.0};
     const Double4 t0 = A[0] * B;
-    const Double4 t1 = __builtin_shuffle(A, Index4{1, 1, 2, 3}) * (__builtin_shuffle(B, Index4{1, 0, 0, 0}) * firstNegated);
-    const Double4 t2 = __builtin_shuffle(A, Index4{2, 2, 3, 1}) * (__builtin_shuffle(B, Index4{2, 3, 1, 2}) * firstNegated);
-    const Double4 t3 = __builtin_shuffle(A, Index4{3, 3, 1, 2}) * __builtin_shuffle(B, Index4{3, 2, 3, 1});
+    const Double4 t1 = ZEFWIDE_PERMUTE(A, 1, 1, 2, 3) * (ZEFWIDE_PERMUTE(B, 1, 0, 0, 0) * firstNegated);
+    const Double4 t2 = ZEFWIDE_PERMUTE(A, 2, 2, 3, 1) * (ZEFWIDE_PERMUTE(B, 2, 3, 1, 2) * firstNegated);
+    const Double4 t3 = ZEFWIDE_PERMUTE(A, 3, 3, 1, 2) * ZEFWIDE_PERMUTE(B, 3, 2, 3, 1);
     zefwide::store4(out, zefwide::narrow(((t0 + t1) + t2) - t3));
 }
 #if ZEFWIDE_X86
@@ -244,24 +243,56 @@ void EnhancedMathFunctions::quaternionToAxis(float *const axis, float *angle, fl
         axis[k] = float(double(u[k]) * r);
 }
 
+namespace {
+
+// Sets out[4*c .. 4*c + 3] to (2*(a*b + c*d) - e) lane by lane, rounded to float,
+// with lane 3 zero.
+ZEFWIDE_INLINE void rotationColumn(float *const out, Double4 a, Double4 b, Double4 c, Double4 d, Double4 e) {
+    zefwide::Float4 r = zefwide::narrow(2.0 * (a * b + c * d) - e);
+    r[3] = 0.0f;
+    zefwide::store4(out, r);
+}
+
+// Sets out to the rotation of the unit quaternion q = (w, x, y, z), column by
+// column: each element is the plain 2*(p + q) - 1 or 2*(p + q), p and q the
+// products of the plain form (a subtracted product enters with a negated
+// factor: the same value) and the 1 subtracted only on the diagonal
+// (subtracting +0 changes no value, a zero of either sign included). All of q
+// is read before out is written: out may hold q.
+ZEFWIDE_INLINE void rotationFromQuaternion(float *const out, float const *const q) {
+    const Double4 Q = zefwide::widen(zefwide::load4(q)); // w x y z
+    const Double4 negateThird = {1.0, 1.0, -1.0, 1.0};
+    const Double4 negateFirst = {-1.0, 1.0, 1.0, 1.0};
+    const Double4 negateSecond = {1.0, -1.0, 1.0, 1.0};
+    // (ww + xx, xy + wz, xz - wy), (xy - wz, ww + yy, yz + wx), (xz + wy, yz - wx, ww + zz)
+    rotationColumn(out, ZEFWIDE_PERMUTE(Q, 0, 1, 1, 0), ZEFWIDE_PERMUTE(Q, 0, 2, 3, 0),
+                   ZEFWIDE_PERMUTE(Q, 1, 0, 0, 0) * negateThird, ZEFWIDE_PERMUTE(Q, 1, 3, 2, 0),
+                   Double4{1.0, 0.0, 0.0, 0.0});
+    rotationColumn(out + 4, ZEFWIDE_PERMUTE(Q, 1, 0, 2, 0), ZEFWIDE_PERMUTE(Q, 2, 0, 3, 0),
+                   ZEFWIDE_PERMUTE(Q, 0, 2, 0, 0) * negateFirst, ZEFWIDE_PERMUTE(Q, 3, 2, 1, 0),
+                   Double4{0.0, 1.0, 0.0, 0.0});
+    rotationColumn(out + 8, ZEFWIDE_PERMUTE(Q, 1, 2, 0, 0), ZEFWIDE_PERMUTE(Q, 3, 3, 0, 0),
+                   ZEFWIDE_PERMUTE(Q, 0, 0, 3, 0) * negateSecond, ZEFWIDE_PERMUTE(Q, 2, 1, 3, 0),
+                   Double4{0.0, 0.0, 1.0, 0.0});
+    const zefwide::Float4 lastColumn = {0.0f, 0.0f, 0.0f, 1.0f};
+    zefwide::store4(out + 12, lastColumn);
+}
+#if ZEFWIDE_X86
+ZEFWIDE_AVX2 void rotationFromQuaternionAvx2(float *const out, float const *const q) {
+    rotationFromQuaternion(out, q);
+}
+#endif
+
+} // namespace
+
 void EnhancedMathFunctions::quaternionToMatrix(float *const out, float const *const q) const {
-    double const w = q[0], x = q[1], y = q[2], z = q[3];
-    out[0] = float(2.0 * (w * w + x * x) - 1.0);
-    out[1] = float(2.0 * (x * y + w * z));
-    out[2] = float(2.0 * (x * z - w * y));
-    out[3] = 0.0f;
-    out[4] = float(2.0 * (x * y - w * z));
-    out[5] = float(2.0 * (w * w + y * y) - 1.0);
-    out[6] = float(2.0 * (y * z + w * x));
-    out[7] = 0.0f;
-    out[8] = float(2.0 * (x * z + w * y));
-    out[9] = float(2.0 * (y * z - w * x));
-    out[10] = float(2.0 * (w * w + z * z) - 1.0);
-    out[11] = 0.0f;
-    out[12] = 0.0f;
-    out[13] = 0.0f;
-    out[14] = 0.0f;
-    out[15] = 1.0f;
+#if ZEFWIDE_X86
+    if (zefwide::hasAvx2) {
+        rotationFromQuaternionAvx2(out, q);
+        return;
+    }
+#endif
+    rotationFromQuaternion(out, q);
 }
 
 int EnhancedMathFunctions::RotMatrixToQuaternion(float *const out, float const *const m) const {

@@ -55,6 +55,13 @@ ZEFWIDE_INLINE Double4 widen(Float4 v) { return __builtin_convertvector(v, Doubl
 // Returns v rounded to float, lane by lane as a scalar conversion rounds.
 ZEFWIDE_INLINE Float4 narrow(Double4 v) { return __builtin_convertvector(v, Float4); }
 
+// Returns the vector whose lane k is lane ik of v (indices are constants).
+#if defined(__clang__)
+#define ZEFWIDE_PERMUTE(v, i0, i1, i2, i3) __builtin_shufflevector((v), (v), i0, i1, i2, i3)
+#else
+#define ZEFWIDE_PERMUTE(v, i0, i1, i2, i3) __builtin_shuffle((v), zefwide::Long4{i0, i1, i2, i3})
+#endif
+
 // Returns, lane by lane, a where mask is all ones and b where it is zero.
 ZEFWIDE_INLINE Double4 select(Long4 mask, Double4 a, Double4 b) {
     return (Double4)((mask & (Long4)a) | (~mask & (Long4)b));
