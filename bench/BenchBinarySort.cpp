@@ -49,8 +49,8 @@ const std::vector<unsigned char> &table(Table which) {
         std::shuffle(source.begin(), source.end(), rng);
         std::vector<unsigned char> t(static_cast<std::size_t>(kRows) * kRecordSize);
         for (int r = 0; r < kRows; ++r)
-            std::memcpy(&t[static_cast<std::size_t>(r) * kRecordSize], &points[3 * static_cast<std::size_t>(source[r])],
-                        kRecordSize);
+            std::memcpy(&t[static_cast<std::size_t>(r) * kRecordSize],
+                        &points[3 * static_cast<std::size_t>(source[r])], kRecordSize);
         return t;
     }();
     return which == Table::RandomBytes ? randomBytes : floatTriples;
@@ -134,16 +134,20 @@ const bool registered = [] {
     const struct {
         const char *name;
         Table table;
-    } cases[] = {{"sort_1M_random_bytes", Table::RandomBytes}, {"sort_1M_float_triples_x4", Table::FloatTriples}};
+    } cases[] = {{"sort_1M_random_bytes", Table::RandomBytes},
+                 {"sort_1M_float_triples_x4", Table::FloatTriples}};
     for (const auto &c : cases) {
         const Table which = c.table;
-        add(c.name, "zef:BinarySort::sort", [which](benchmark::State &s) { zefSort(s, which); })
-            ->Unit(benchmark::kMillisecond);
-        add(c.name, "std:stable_sort,memcmp", [which](benchmark::State &s) { stableSort(s, which); })
-            ->Unit(benchmark::kMillisecond);
+        add(c.name, "zef:BinarySort::sort", [which](benchmark::State &s) {
+            zefSort(s, which);
+        })->Unit(benchmark::kMillisecond);
+        add(c.name, "std:stable_sort,memcmp", [which](benchmark::State &s) {
+            stableSort(s, which);
+        })->Unit(benchmark::kMillisecond);
 #if ZEF_BENCH_HAVE_BOOST
-        add(c.name, "boost:spreadsort::string_sort", [which](benchmark::State &s) { spreadSort(s, which); })
-            ->Unit(benchmark::kMillisecond);
+        add(c.name, "boost:spreadsort::string_sort", [which](benchmark::State &s) {
+            spreadSort(s, which);
+        })->Unit(benchmark::kMillisecond);
 #else
         zefbench::missing(c.name, "boost", "Boost");
 #endif

@@ -160,8 +160,9 @@ const bool registered = [] {
     for (int perMille : {1, 500}) {
         const std::string density = perMille == 1 ? "_0.1%" : "_50%";
         const auto reg = [&](const std::string &c, const char *route, void (*fn)(benchmark::State &, int)) {
-            add(c + density, route, [fn, perMille](benchmark::State &s) { fn(s, perMille); })
-                ->Unit(benchmark::kMicrosecond);
+            add(c + density, route, [fn, perMille](benchmark::State &s) {
+                fn(s, perMille);
+            })->Unit(benchmark::kMicrosecond);
         };
         reg("bits16M_walk", "zef:findFirst loop", zefFindFirst);
         reg("bits16M_indexes", "zef:getIndexesSet", zefIndexes);

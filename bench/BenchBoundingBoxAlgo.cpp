@@ -100,7 +100,8 @@ void intersect(benchmark::State &state, const BoundingBox2D rect) {
         hits = 0;
         for (const BoundingBox &box : in) {
             bool cleared = false, inside = false;
-            hits += BoundingBoxAlgo::BBox3DIntersectBBox2D(box, rect, m, kDepthLimit, cleared, inside) ? 1 : 0;
+            hits +=
+                BoundingBoxAlgo::BBox3DIntersectBBox2D(box, rect, m, kDepthLimit, cleared, inside) ? 1 : 0;
         }
         zefbench::consume(hits);
     }
@@ -110,16 +111,18 @@ void intersect(benchmark::State &state, const BoundingBox2D rect) {
 
 const bool registered = [] {
     using zefbench::add;
-    add("bbox_100k_cameraProjBBox_3D", "zef:cameraProjBBox(BoundingBox&)", projectInto3D)->Unit(benchmark::kMicrosecond);
-    add("bbox_100k_cameraProjBBox_2D", "zef:cameraProjBBox(BoundingBox2D&)", projectInto2D)->Unit(benchmark::kMicrosecond);
+    add("bbox_100k_cameraProjBBox_3D", "zef:cameraProjBBox(BoundingBox&)", projectInto3D)
+        ->Unit(benchmark::kMicrosecond);
+    add("bbox_100k_cameraProjBBox_2D", "zef:cameraProjBBox(BoundingBox2D&)", projectInto2D)
+        ->Unit(benchmark::kMicrosecond);
     const BoundingBox2D wide = rectangle(-0.5f, -0.4f, 0.3f, 0.5f);
     const BoundingBox2D small = rectangle(-0.02f, -0.02f, 0.02f, 0.02f);
-    add("bbox_100k_intersect_wide_rect", "zef:BBox3DIntersectBBox2D",
-        [wide](benchmark::State &s) { intersect(s, wide); })
-        ->Unit(benchmark::kMicrosecond);
-    add("bbox_100k_intersect_small_rect", "zef:BBox3DIntersectBBox2D",
-        [small](benchmark::State &s) { intersect(s, small); })
-        ->Unit(benchmark::kMicrosecond);
+    add("bbox_100k_intersect_wide_rect", "zef:BBox3DIntersectBBox2D", [wide](benchmark::State &s) {
+        intersect(s, wide);
+    })->Unit(benchmark::kMicrosecond);
+    add("bbox_100k_intersect_small_rect", "zef:BBox3DIntersectBBox2D", [small](benchmark::State &s) {
+        intersect(s, small);
+    })->Unit(benchmark::kMicrosecond);
     return true;
 }();
 

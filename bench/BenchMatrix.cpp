@@ -58,11 +58,11 @@ bool near(const float *a, const float *b, int count, float tolerance) {
 
 // ---- shared data: plain floats in the library's storage order ---------------
 struct MatrixData {
-    std::vector<float> a, b;     // kBatch products a[k] * b[k]
-    std::vector<float> regular;  // kBatch well-conditioned matrices to invert
-    float projection[16];        // a perspective camera times a view: a full 4x4
-    std::vector<float> points;   // kPoints points, x y z
-    std::vector<float> q1, q2;   // kBatch unit quaternions each, w x y z
+    std::vector<float> a, b;    // kBatch products a[k] * b[k]
+    std::vector<float> regular; // kBatch well-conditioned matrices to invert
+    float projection[16];       // a perspective camera times a view: a full 4x4
+    std::vector<float> points;  // kPoints points, x y z
+    std::vector<float> q1, q2;  // kBatch unit quaternions each, w x y z
 };
 
 const MatrixData &data() {
@@ -331,7 +331,9 @@ void glmProduct(benchmark::State &state) {
         zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
-    agree(state, sameAs(ourProducts(), out, 16, kProductTolerance, [](const glm::mat4 &m) { return glm::value_ptr(m); }),
+    agree(state,
+          sameAs(ourProducts(), out, 16, kProductTolerance,
+                 [](const glm::mat4 &m) { return glm::value_ptr(m); }),
           "GLM product differs from ours");
     perItem(state, kBatch, "product");
 }
@@ -346,7 +348,9 @@ void glmInverse(benchmark::State &state) {
         zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
-    agree(state, sameAs(ourInverses(), out, 16, kInverseTolerance, [](const glm::mat4 &m) { return glm::value_ptr(m); }),
+    agree(state,
+          sameAs(ourInverses(), out, 16, kInverseTolerance,
+                 [](const glm::mat4 &m) { return glm::value_ptr(m); }),
           "GLM inverse differs from ours");
     perItem(state, kBatch, "inverse");
 }
@@ -366,7 +370,8 @@ void glmPoints(benchmark::State &state) {
         zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
-    agree(state, sameAs(ourPoints(), out, 3, kPointTolerance, [](const glm::vec3 &v) { return glm::value_ptr(v); }),
+    agree(state,
+          sameAs(ourPoints(), out, 3, kPointTolerance, [](const glm::vec3 &v) { return glm::value_ptr(v); }),
           "GLM points differ from ours");
     perItem(state, kPoints, "point");
 }
@@ -382,11 +387,12 @@ void glmQuatProduct(benchmark::State &state) {
         benchmark::ClobberMemory();
     }
     agree(state,
-          sameAs(ourQuatProducts(), out, 4, kRotationTolerance, [](const glm::quat &q) {
-              static thread_local float wxyz[4];
-              wxyz[0] = q.w, wxyz[1] = q.x, wxyz[2] = q.y, wxyz[3] = q.z;
-              return static_cast<const float *>(wxyz);
-          }),
+          sameAs(ourQuatProducts(), out, 4, kRotationTolerance,
+                 [](const glm::quat &q) {
+                     static thread_local float wxyz[4];
+                     wxyz[0] = q.w, wxyz[1] = q.x, wxyz[2] = q.y, wxyz[3] = q.z;
+                     return static_cast<const float *>(wxyz);
+                 }),
           "GLM quaternion product differs from ours");
     perItem(state, kBatch, "product");
 }
@@ -401,7 +407,9 @@ void glmQuatToMatrix(benchmark::State &state) {
         zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
-    agree(state, sameAs(ourRotations(), out, 16, kRotationTolerance, [](const glm::mat4 &m) { return glm::value_ptr(m); }),
+    agree(state,
+          sameAs(ourRotations(), out, 16, kRotationTolerance,
+                 [](const glm::mat4 &m) { return glm::value_ptr(m); }),
           "GLM rotation matrix differs from ours");
     perItem(state, kBatch, "conversion");
 }
@@ -436,8 +444,10 @@ void eigenProduct(benchmark::State &state) {
         zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
-    agree(state, sameAs(ourProducts(), out, 16, kProductTolerance, [](const Eigen::Matrix4f &m) { return m.data(); }),
-          "Eigen product differs from ours");
+    agree(
+        state,
+        sameAs(ourProducts(), out, 16, kProductTolerance, [](const Eigen::Matrix4f &m) { return m.data(); }),
+        "Eigen product differs from ours");
     perItem(state, kBatch, "product");
 }
 
@@ -451,8 +461,10 @@ void eigenInverse(benchmark::State &state) {
         zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
-    agree(state, sameAs(ourInverses(), out, 16, kInverseTolerance, [](const Eigen::Matrix4f &m) { return m.data(); }),
-          "Eigen inverse differs from ours");
+    agree(
+        state,
+        sameAs(ourInverses(), out, 16, kInverseTolerance, [](const Eigen::Matrix4f &m) { return m.data(); }),
+        "Eigen inverse differs from ours");
     perItem(state, kBatch, "inverse");
 }
 
@@ -469,7 +481,8 @@ void eigenPoints(benchmark::State &state) {
         zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
-    agree(state, sameAs(ourPoints(), out, 3, kPointTolerance, [](const Eigen::Vector3f &v) { return v.data(); }),
+    agree(state,
+          sameAs(ourPoints(), out, 3, kPointTolerance, [](const Eigen::Vector3f &v) { return v.data(); }),
           "Eigen points differ from ours");
     perItem(state, kPoints, "point");
 }
@@ -485,11 +498,12 @@ void eigenQuatProduct(benchmark::State &state) {
         benchmark::ClobberMemory();
     }
     agree(state,
-          sameAs(ourQuatProducts(), out, 4, kRotationTolerance, [](const Eigen::Quaternionf &q) {
-              static thread_local float wxyz[4];
-              wxyz[0] = q.w(), wxyz[1] = q.x(), wxyz[2] = q.y(), wxyz[3] = q.z();
-              return static_cast<const float *>(wxyz);
-          }),
+          sameAs(ourQuatProducts(), out, 4, kRotationTolerance,
+                 [](const Eigen::Quaternionf &q) {
+                     static thread_local float wxyz[4];
+                     wxyz[0] = q.w(), wxyz[1] = q.x(), wxyz[2] = q.y(), wxyz[3] = q.z();
+                     return static_cast<const float *>(wxyz);
+                 }),
           "Eigen quaternion product differs from ours");
     perItem(state, kBatch, "product");
 }
@@ -506,7 +520,9 @@ void eigenQuatToMatrix(benchmark::State &state) {
         zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
-    agree(state, sameAs(ourRotations(), out, 16, kRotationTolerance, [](const Eigen::Matrix4f &m) { return m.data(); }),
+    agree(state,
+          sameAs(ourRotations(), out, 16, kRotationTolerance,
+                 [](const Eigen::Matrix4f &m) { return m.data(); }),
           "Eigen rotation matrix differs from ours");
     perItem(state, kBatch, "conversion");
 }
@@ -540,8 +556,10 @@ void imathProduct(benchmark::State &state) {
         zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
-    agree(state, sameAs(ourProducts(), out, 16, kProductTolerance, [](const Imath::M44f &m) { return m.getValue(); }),
-          "Imath product differs from ours");
+    agree(
+        state,
+        sameAs(ourProducts(), out, 16, kProductTolerance, [](const Imath::M44f &m) { return m.getValue(); }),
+        "Imath product differs from ours");
     perItem(state, kBatch, "product");
 }
 
@@ -556,8 +574,10 @@ void imathInverse(benchmark::State &state) {
         zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
-    agree(state, sameAs(ourInverses(), out, 16, kInverseTolerance, [](const Imath::M44f &m) { return m.getValue(); }),
-          "Imath inverse differs from ours");
+    agree(
+        state,
+        sameAs(ourInverses(), out, 16, kInverseTolerance, [](const Imath::M44f &m) { return m.getValue(); }),
+        "Imath inverse differs from ours");
     perItem(state, kBatch, "inverse");
 }
 
@@ -575,7 +595,8 @@ void imathPoints(benchmark::State &state) {
         zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
-    agree(state, sameAs(ourPoints(), out, 3, kPointTolerance, [](const Imath::V3f &v) { return v.getValue(); }),
+    agree(state,
+          sameAs(ourPoints(), out, 3, kPointTolerance, [](const Imath::V3f &v) { return v.getValue(); }),
           "Imath points differ from ours");
     perItem(state, kPoints, "point");
 }
@@ -591,11 +612,12 @@ void imathQuatProduct(benchmark::State &state) {
         benchmark::ClobberMemory();
     }
     agree(state,
-          sameAs(ourQuatProducts(), out, 4, kRotationTolerance, [](const Imath::Quatf &q) {
-              static thread_local float wxyz[4];
-              wxyz[0] = q.r, wxyz[1] = q.v.x, wxyz[2] = q.v.y, wxyz[3] = q.v.z;
-              return static_cast<const float *>(wxyz);
-          }),
+          sameAs(ourQuatProducts(), out, 4, kRotationTolerance,
+                 [](const Imath::Quatf &q) {
+                     static thread_local float wxyz[4];
+                     wxyz[0] = q.r, wxyz[1] = q.v.x, wxyz[2] = q.v.y, wxyz[3] = q.v.z;
+                     return static_cast<const float *>(wxyz);
+                 }),
           "Imath quaternion product differs from ours");
     perItem(state, kBatch, "product");
 }
@@ -610,7 +632,9 @@ void imathQuatToMatrix(benchmark::State &state) {
         zefbench::consume(out.data());
         benchmark::ClobberMemory();
     }
-    agree(state, sameAs(ourRotations(), out, 16, kRotationTolerance, [](const Imath::M44f &m) { return m.getValue(); }),
+    agree(state,
+          sameAs(ourRotations(), out, 16, kRotationTolerance,
+                 [](const Imath::M44f &m) { return m.getValue(); }),
           "Imath rotation matrix differs from ours");
     perItem(state, kBatch, "conversion");
 }
@@ -633,7 +657,8 @@ const bool registered = [] {
     add("quat_product", "glm:operator*", glmQuatProduct);
     add("quat_to_matrix", "glm:mat4_cast", glmQuatToMatrix);
 #else
-    for (const char *c : {"mat4_product", "mat4_inverse", "points_1M_projective", "quat_product", "quat_to_matrix"})
+    for (const char *c :
+         {"mat4_product", "mat4_inverse", "points_1M_projective", "quat_product", "quat_to_matrix"})
         missing(c, "glm", "GLM");
 #endif
 #if ZEF_BENCH_HAVE_EIGEN
@@ -643,7 +668,8 @@ const bool registered = [] {
     add("quat_product", "eigen:Quaternionf*", eigenQuatProduct);
     add("quat_to_matrix", "eigen:toRotationMatrix", eigenQuatToMatrix);
 #else
-    for (const char *c : {"mat4_product", "mat4_inverse", "points_1M_projective", "quat_product", "quat_to_matrix"})
+    for (const char *c :
+         {"mat4_product", "mat4_inverse", "points_1M_projective", "quat_product", "quat_to_matrix"})
         missing(c, "eigen", "Eigen");
 #endif
 #if ZEF_BENCH_HAVE_IMATH
@@ -654,7 +680,8 @@ const bool registered = [] {
     add("quat_product", "imath:Quatf*", imathQuatProduct);
     add("quat_to_matrix", "imath:toMatrix44", imathQuatToMatrix);
 #else
-    for (const char *c : {"mat4_product", "mat4_inverse", "points_1M_projective", "quat_product", "quat_to_matrix"})
+    for (const char *c :
+         {"mat4_product", "mat4_inverse", "points_1M_projective", "quat_product", "quat_to_matrix"})
         missing(c, "imath", "Imath");
 #endif
     return true;

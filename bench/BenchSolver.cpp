@@ -153,15 +153,19 @@ const bool registered = [] {
     using zefbench::add;
     for (int n : kSizes) {
         const std::string suffix = "_n" + std::to_string(n);
-        add("solve" + suffix, "zef:Triangularise_matrice+Resoud_matrice", [n](benchmark::State &s) { zefSolve(s, n); })
-            ->Unit(benchmark::kMicrosecond);
-        add("invert" + suffix, "zef:Inverse_Matrix", [n](benchmark::State &s) { zefInverse(s, n); })
-            ->Unit(benchmark::kMicrosecond);
+        add("solve" + suffix, "zef:Triangularise_matrice+Resoud_matrice", [n](benchmark::State &s) {
+            zefSolve(s, n);
+        })->Unit(benchmark::kMicrosecond);
+        add("invert" + suffix, "zef:Inverse_Matrix", [n](benchmark::State &s) {
+            zefInverse(s, n);
+        })->Unit(benchmark::kMicrosecond);
 #if ZEF_BENCH_HAVE_EIGEN
-        add("solve" + suffix, "eigen:PartialPivLU::solve", [n](benchmark::State &s) { eigenSolve(s, n); })
-            ->Unit(benchmark::kMicrosecond);
-        add("invert" + suffix, "eigen:PartialPivLU::inverse", [n](benchmark::State &s) { eigenInverse(s, n); })
-            ->Unit(benchmark::kMicrosecond);
+        add("solve" + suffix, "eigen:PartialPivLU::solve", [n](benchmark::State &s) {
+            eigenSolve(s, n);
+        })->Unit(benchmark::kMicrosecond);
+        add("invert" + suffix, "eigen:PartialPivLU::inverse", [n](benchmark::State &s) {
+            eigenInverse(s, n);
+        })->Unit(benchmark::kMicrosecond);
 #else
         zefbench::missing("solve" + suffix, "eigen", "Eigen");
         zefbench::missing("invert" + suffix, "eigen", "Eigen");

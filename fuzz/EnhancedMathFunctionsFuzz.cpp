@@ -24,8 +24,8 @@ using K = EnhancedMathFunctions;
 using Buf = std::unique_ptr<float[]>;
 
 struct Extra {
-    float s;     // scalar, angle, interpolation parameter or offset
-    int steps;   // Newton steps
+    float s;   // scalar, angle, interpolation parameter or offset
+    int steps; // Newton steps
 };
 
 // An operation: fills out (outLen floats) from a (aLen) and b (bLen); returns its
@@ -35,14 +35,16 @@ using Call = int (*)(const K &, float *, const float *, const float *, const Ext
 struct Op {
     const char *name;
     int outLen, aLen, bLen;
-    uint64_t written;  // bit i: out[i] is written (on success)
+    uint64_t written; // bit i: out[i] is written (on success)
     bool aliasA, aliasB;
     bool failWritesNothing; // a result of 0 means failure, with nothing written
     bool inPlace;           // out starts as a copy of a (aLen == outLen); unwritten keep a
     Call call;
 };
 
-constexpr uint64_t all(int n) { return n >= 64 ? ~uint64_t(0) : (uint64_t(1) << n) - 1; }
+constexpr uint64_t all(int n) {
+    return n >= 64 ? ~uint64_t(0) : (uint64_t(1) << n) - 1;
+}
 constexpr uint64_t bits(std::initializer_list<int> list) {
     uint64_t m = 0;
     for (int i : list)
@@ -51,8 +53,13 @@ constexpr uint64_t bits(std::initializer_list<int> list) {
 }
 constexpr uint64_t kBlock3x3 = bits({0, 1, 2, 4, 5, 6, 8, 9, 10});
 
-#define OP(expr) [](const K &k, float *o, const float *a, const float *b, const Extra &e) -> int { \
-        (void)a; (void)b; (void)e; return int(expr); }
+#define OP(expr)                                                                                             \
+    [](const K &k, float *o, const float *a, const float *b, const Extra &e) -> int {                        \
+        (void)a;                                                                                             \
+        (void)b;                                                                                             \
+        (void)e;                                                                                             \
+        return int(expr);                                                                                    \
+    }
 
 const Op kOps[] = {
     {"copyMat4fTo", 16, 16, 0, all(16), true, false, false, false, OP((k.copyMat4fTo(o, a), 0))},
@@ -65,7 +72,8 @@ const Op kOps[] = {
     {"multMatrices", 16, 16, 16, all(16), false, false, false, false, OP((k.multMatrices(o, a, b), 0))},
     {"multMatrixVec3f", 3, 16, 3, all(3), false, true, false, false, OP((k.multMatrixVec3f(o, a, b), 0))},
     {"multMatrixVec4f", 4, 16, 4, all(4), false, true, false, false, OP((k.multMatrixVec4f(o, a, b), 0))},
-    {"multMatrixScalar", 16, 16, 0, all(16), true, false, false, false, OP((k.multMatrixScalar(o, a, e.s), 0))},
+    {"multMatrixScalar", 16, 16, 0, all(16), true, false, false, false,
+     OP((k.multMatrixScalar(o, a, e.s), 0))},
     {"inverseMatrix", 16, 16, 0, all(16), true, false, true, false, OP(k.inverseMatrix(o, a))},
     {"neg", 16, 16, 0, all(16), true, false, false, false, OP((k.neg(o, a), 0))},
     {"transpose", 16, 16, 0, all(16), false, false, false, false, OP((k.transpose(o, a), 0))},
@@ -74,14 +82,18 @@ const Op kOps[] = {
     {"setTranslate", 16, 3, 0, all(16), false, false, false, false, OP((k.setTranslate(o, a), 0))},
     {"setRotate(euler)", 16, 3, 0, all(16), false, false, false, false, OP((k.setRotate(o, a), 0))},
     {"setRotate(axis)", 16, 3, 0, all(16), false, false, false, false, OP((k.setRotate(o, a, e.s), 0))},
-    {"multAffineMatrices", 16, 16, 16, all(16), false, false, false, false, OP((k.multAffineMatrices(o, a, b), 0))},
-    {"multAffineMatrixVec3f", 3, 16, 3, all(3), false, true, false, false, OP((k.multAffineMatrixVec3f(o, a, b), 0))},
+    {"multAffineMatrices", 16, 16, 16, all(16), false, false, false, false,
+     OP((k.multAffineMatrices(o, a, b), 0))},
+    {"multAffineMatrixVec3f", 3, 16, 3, all(3), false, true, false, false,
+     OP((k.multAffineMatrixVec3f(o, a, b), 0))},
     {"multAffineMatrixVec3fAsDir", 3, 16, 3, all(3), false, true, false, false,
      OP((k.multAffineMatrixVec3fAsDir(o, a, b), 0))},
     {"multAffineColRow", 16, 3, 3, all(12), false, false, false, false, OP((k.multAffineColRow(o, a, b), 0))},
     {"transposeAffine", 16, 16, 0, kBlock3x3, false, false, false, false, OP((k.transposeAffine(o, a), 0))},
-    {"multLeftByRotate", 16, 16, 3, all(16), false, false, false, false, OP((k.multLeftByRotate(o, a, b, e.s), 0))},
-    {"multRightByRotate", 16, 16, 3, all(16), false, false, false, false, OP((k.multRightByRotate(o, a, b, e.s), 0))},
+    {"multLeftByRotate", 16, 16, 3, all(16), false, false, false, false,
+     OP((k.multLeftByRotate(o, a, b, e.s), 0))},
+    {"multRightByRotate", 16, 16, 3, all(16), false, false, false, false,
+     OP((k.multRightByRotate(o, a, b, e.s), 0))},
     {"multLeftByRotateX", 16, 16, 0, bits({1, 2, 5, 6, 9, 10, 13, 14}), false, false, false, true,
      OP((k.multLeftByRotateX(o, e.s), 0))},
     {"multRightByRotateX", 16, 16, 0, bits({4, 5, 6, 7, 8, 9, 10, 11}), false, false, false, true,
@@ -105,7 +117,8 @@ const Op kOps[] = {
     {"inverseAffine", 16, 16, 0, all(16), true, false, true, false, OP(k.inverseAffine(o, a))},
     {"inverseScale(m)", 16, 16, 0, bits({0, 5, 10}), false, false, true, true, OP(k.inverseScale(o))},
     {"inverseScale", 16, 16, 0, all(16), true, false, true, false, OP(k.inverseScale(o, a))},
-    {"inverseTranslate(m)", 16, 16, 0, bits({12, 13, 14}), false, false, false, true, OP(k.inverseTranslate(o))},
+    {"inverseTranslate(m)", 16, 16, 0, bits({12, 13, 14}), false, false, false, true,
+     OP(k.inverseTranslate(o))},
     {"inverseTranslate", 16, 16, 0, all(16), true, false, false, false, OP(k.inverseTranslate(o, a))},
     {"inverseRotate", 16, 16, 0, kBlock3x3, false, false, false, false, OP(k.inverseRotate(o, a))},
     {"inverseRotateAndTr", 16, 16, 0, kBlock3x3 | bits({12, 13, 14}), false, false, false, false,
@@ -122,9 +135,12 @@ const Op kOps[] = {
     {"quaternionSLERP", 4, 4, 4, all(4), true, true, false, false, OP((k.quaternionSLERP(o, a, b, e.s), 0))},
     {"quaternionLERP", 4, 4, 4, all(4), true, true, false, false, OP((k.quaternionLERP(o, a, b, e.s), 0))},
     {"axisToQuaternion", 4, 3, 0, all(4), false, false, false, false, OP((k.axisToQuaternion(o, a, e.s), 0))},
-    {"axisToQuaternionU", 4, 3, 0, all(4), false, false, false, false, OP((k.axisToQuaternionU(o, a, e.s), 0))},
-    {"quaternionToAxis", 4, 4, 0, all(4), false, false, false, false, OP((k.quaternionToAxis(o, o + 3, a), 0))},
-    {"quaternionToMatrix", 16, 4, 0, all(16), false, false, false, false, OP((k.quaternionToMatrix(o, a), 0))},
+    {"axisToQuaternionU", 4, 3, 0, all(4), false, false, false, false,
+     OP((k.axisToQuaternionU(o, a, e.s), 0))},
+    {"quaternionToAxis", 4, 4, 0, all(4), false, false, false, false,
+     OP((k.quaternionToAxis(o, o + 3, a), 0))},
+    {"quaternionToMatrix", 16, 4, 0, all(16), false, false, false, false,
+     OP((k.quaternionToMatrix(o, a), 0))},
     {"RotMatrixToQuaternion", 4, 16, 0, all(4), false, false, false, false,
      OP(k.RotMatrixToQuaternion(o, a) == 0)},
     {"eulerToQuaternion", 4, 3, 0, all(4), false, false, false, false, OP((k.eulerToQuaternion(o, a), 0))},
@@ -137,8 +153,7 @@ const Op kOps[] = {
      OP((o[0] = k.invSqrt(a[0], e.steps), o[1] = k.invSqrt(a[0]), o[2] = k.msqrt(a[0], e.steps),
          o[3] = k.msqrt(a[0]), 0))},
     {"det", 2, 16, 0, all(2), false, false, false, false, OP((o[0] = k.det4(a), o[1] = k.det3(a), 0))},
-    {"jacobi3", 12, 16, 0, all(12), false, false, false, false,
-     OP(([&] {
+    {"jacobi3", 12, 16, 0, all(12), false, false, false, false, OP(([&] {
          int rots = -1;
          k.jacobi3(o, reinterpret_cast<float(*)[3]>(o + 3), rots, a);
          return rots >= 0 && rots <= 150 && rots % 3 == 0;
@@ -147,9 +162,9 @@ const Op kOps[] = {
 
 // Results that must be true of an operation whose result is reported as int.
 bool expectsTrue(const char *name) {
-    static const char *const names[] = {"inverseTranslate(m)", "inverseTranslate", "inverseRotate",
-                                        "inverseRotateAndTr", "RotMatrixToQuaternion", "matrixToEuler",
-                                        "matrixToAxis", "jacobi3"};
+    static const char *const names[] = {
+        "inverseTranslate(m)",   "inverseTranslate", "inverseRotate", "inverseRotateAndTr",
+        "RotMatrixToQuaternion", "matrixToEuler",    "matrixToAxis",  "jacobi3"};
     for (const char *n : names)
         if (std::strcmp(n, name) == 0)
             return true;
@@ -167,7 +182,9 @@ Buf copyOf(const float *src, int n) {
     std::memcpy(b.get(), src, sizeof(float) * size_t(n));
     return b;
 }
-bool isPattern(float f, uint32_t pattern) { return std::memcmp(&f, &pattern, sizeof f) == 0; }
+bool isPattern(float f, uint32_t pattern) {
+    return std::memcmp(&f, &pattern, sizeof f) == 0;
+}
 
 constexpr uint32_t kSentinel1 = 0xDEADBEEFu;
 constexpr float kOne = 1.0f;
@@ -261,8 +278,8 @@ void checkExact(const K &k, const float *A, const float *B, const Extra &e) {
     const float m5_10 = float(double(m[5]) * m[10] - double(m[6]) * m[9]);
     const float m4_10 = float(double(m[4]) * m[10] - double(m[6]) * m[8]);
     const float m4_9 = float(double(m[4]) * m[9] - double(m[5]) * m[8]);
-    FUZZ_CHECK(sameValue(k.det3(a.get()),
-                         float(double(m[0]) * m5_10 - double(m[1]) * m4_10 + double(m[2]) * m4_9)));
+    FUZZ_CHECK(
+        sameValue(k.det3(a.get()), float(double(m[0]) * m5_10 - double(m[1]) * m4_10 + double(m[2]) * m4_9)));
     const float *r0 = A, *r1 = A + 3, *r2 = B; // minors rounded to float, the sum not
     const float c0 = float(double(r1[1]) * r2[2] - double(r1[2]) * r2[1]);
     const float c1 = float(double(r1[0]) * r2[2] - double(r1[2]) * r2[0]);

@@ -56,14 +56,38 @@ public:
         if (kind < 80)
             return rawFloat();
         if (kind < 160) {
-            static const float table[] = {
-                0.0f, -0.0f, 1.0f, -1.0f, 0.5f, 2.0f, 0.0001f, -0.0001f,
-                std::nextafter(0.0001f, 1.0f), std::nextafter(0.0001f, 0.0f), 1e-7f, 1e-8f, 0.05f, 0.01f,
-                FLT_MAX, -FLT_MAX, FLT_MIN, std::numeric_limits<float>::denorm_min(),
-                -std::numeric_limits<float>::denorm_min(), std::numeric_limits<float>::infinity(),
-                -std::numeric_limits<float>::infinity(), std::numeric_limits<float>::quiet_NaN(),
-                -std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::signaling_NaN(),
-                1.5707964f, 3.1415927f, 1e30f, -1e30f, 1.1920929e-7f, 0.00001f, 0.000001f, 100.0f};
+            static const float table[] = {0.0f,
+                                          -0.0f,
+                                          1.0f,
+                                          -1.0f,
+                                          0.5f,
+                                          2.0f,
+                                          0.0001f,
+                                          -0.0001f,
+                                          std::nextafter(0.0001f, 1.0f),
+                                          std::nextafter(0.0001f, 0.0f),
+                                          1e-7f,
+                                          1e-8f,
+                                          0.05f,
+                                          0.01f,
+                                          FLT_MAX,
+                                          -FLT_MAX,
+                                          FLT_MIN,
+                                          std::numeric_limits<float>::denorm_min(),
+                                          -std::numeric_limits<float>::denorm_min(),
+                                          std::numeric_limits<float>::infinity(),
+                                          -std::numeric_limits<float>::infinity(),
+                                          std::numeric_limits<float>::quiet_NaN(),
+                                          -std::numeric_limits<float>::quiet_NaN(),
+                                          std::numeric_limits<float>::signaling_NaN(),
+                                          1.5707964f,
+                                          3.1415927f,
+                                          1e30f,
+                                          -1e30f,
+                                          1.1920929e-7f,
+                                          0.00001f,
+                                          0.000001f,
+                                          100.0f};
             return table[byte() % (sizeof table / sizeof table[0])];
         }
         return float(int8_t(byte())) / 4.0f;

@@ -30,9 +30,15 @@ bool isSentinel(float f) {
     const float s = sentinel();
     return sameBits(&f, &s, 1);
 }
-bool isSentinel(const Vector3f &v) { return isSentinel(v.x()) && isSentinel(v.y()) && isSentinel(v.z()); }
-Vector3f sentinel3() { return Vector3f(sentinel(), sentinel(), sentinel()); }
-bool same(const Vector3f &a, const Vector3f &b) { return sameValues(a.getValue(), b.getValue(), 3); }
+bool isSentinel(const Vector3f &v) {
+    return isSentinel(v.x()) && isSentinel(v.y()) && isSentinel(v.z());
+}
+Vector3f sentinel3() {
+    return Vector3f(sentinel(), sentinel(), sentinel());
+}
+bool same(const Vector3f &a, const Vector3f &b) {
+    return sameValues(a.getValue(), b.getValue(), 3);
+}
 
 struct Inputs {
     FuzzInput &in;
@@ -122,7 +128,8 @@ void planeFigures(Inputs &g) {
     bool aInside = !g.in.flag(), bInside = !g.in.flag();
     const int rb = inter2dSegmentBBox(p1, p2, box, aInside, bInside);
     const auto inside = [&](const float *q) {
-        return box.m_min.x() <= q[0] && q[0] <= box.m_max.x() && box.m_min.y() <= q[1] && q[1] <= box.m_max.y();
+        return box.m_min.x() <= q[0] && q[0] <= box.m_max.x() && box.m_min.y() <= q[1] &&
+               q[1] <= box.m_max.y();
     };
     FUZZ_CHECK(oneOf(rb, {e_geomNone, e_geomPoint}));
     FUZZ_CHECK(aInside == inside(p1) && bInside == inside(p2));
@@ -184,7 +191,7 @@ void intersections(Inputs &g) {
     const float tolerance = g.f(), at = g.f();
     for (int axis = 0; axis < 3; ++axis) {
         float ts = sentinel();
-        const int ra = axis == 0 ? interLinePlaneYZ(ts, a, at, tolerance)
+        const int ra = axis == 0   ? interLinePlaneYZ(ts, a, at, tolerance)
                        : axis == 1 ? interLinePlaneXZ(ts, a, at, tolerance)
                                    : interLinePlaneXY(ts, a, at, tolerance);
         FUZZ_CHECK(oneOf(ra, {e_geomPoint, e_geomParallel, e_geomInPlane}));
@@ -342,7 +349,8 @@ void boxes(Inputs &g) {
     MatAff4f affine;
     for (int i = 0; i < 16; ++i)
         if (i % 4 != 3)
-            affine.getValue()[i] = g.in.range(0, 3) == 0 ? g.f() : (i % 5 == 0 ? 1.0f : 0.0f) + g.in.smallFloat();
+            affine.getValue()[i] =
+                g.in.range(0, 3) == 0 ? g.f() : (i % 5 == 0 ? 1.0f : 0.0f) + g.in.smallFloat();
     BoundingBox moved, aliased = box;
     BoundingBoxAlgo::transformBBox(moved, box, affine);
     BoundingBoxAlgo::transformBBox(aliased, aliased, affine);
@@ -403,10 +411,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     Inputs g{in};
     for (int steps = 0; !in.empty() && steps < 32; ++steps) {
         switch (in.range(0, 3)) {
-        case 0: planeFigures(g); break;
-        case 1: intersections(g); break;
-        case 2: distances(g); break;
-        default: boxes(g); break;
+        case 0:
+            planeFigures(g);
+            break;
+        case 1:
+            intersections(g);
+            break;
+        case 2:
+            distances(g);
+            break;
+        default:
+            boxes(g);
+            break;
         }
     }
     return 0;

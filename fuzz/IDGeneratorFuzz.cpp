@@ -46,8 +46,10 @@ struct Model {
 // their neighbours, the top of the range.
 int pickID(FuzzInput &in, const Model &m) {
     switch (in.range(0, 3)) {
-    case 0: return in.range(-2, 40);
-    case 1: return kLastID - in.range(0, 40);
+    case 0:
+        return in.range(-2, 40);
+    case 1:
+        return kLastID - in.range(0, 40);
     case 2:
         if (!m.used.empty()) {
             auto it = m.used.begin();
@@ -55,7 +57,8 @@ int pickID(FuzzInput &in, const Model &m) {
             return *it + in.range(-1, 1);
         }
         return 1;
-    default: return in.range(0, 2000);
+    default:
+        return in.range(0, 2000);
     }
 }
 
@@ -144,7 +147,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     for (int steps = 0; !in.empty() && steps < 200; ++steps) {
         const int id = in.flag() ? in.i32() : INT_MAX - in.range(0, 3);
         switch (in.range(0, 2)) {
-        case 0: loose.freeID(id); break;
+        case 0:
+            loose.freeID(id);
+            break;
         case 1: {
             const int got = loose.generateID(id);
             FUZZ_CHECK(got == -1 || got >= 0);

@@ -41,10 +41,18 @@ std::unique_ptr<double[]> makeMatrix(FuzzInput &in, int n, Shape shape, std::vec
         for (int j = 0; j < n; ++j) {
             double v = 0.0;
             switch (shape) {
-            case Shape::Any: v = pickDouble(in); break;
-            case Shape::Upper: v = j >= i ? pickDouble(in) : 0.0; break;
-            case Shape::Diagonal: v = i == j ? pickDouble(in) : 0.0; break;
-            case Shape::Permutation: v = perm[size_t(i)] == j ? 1.0 : 0.0; break;
+            case Shape::Any:
+                v = pickDouble(in);
+                break;
+            case Shape::Upper:
+                v = j >= i ? pickDouble(in) : 0.0;
+                break;
+            case Shape::Diagonal:
+                v = i == j ? pickDouble(in) : 0.0;
+                break;
+            case Shape::Permutation:
+                v = perm[size_t(i)] == j ? 1.0 : 0.0;
+                break;
             }
             a[size_t(i * n + j)] = v;
         }

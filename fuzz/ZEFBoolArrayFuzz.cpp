@@ -133,9 +133,18 @@ void step(FuzzInput &in, Probe *arrays, Model *models) {
             break;
         const int i = in.range(0, n - 1);
         switch (in.range(0, 2)) {
-        case 0: a.set(i); m[size_t(i)] = true; break;
-        case 1: a.clear(i); m[size_t(i)] = false; break;
-        default: a.toggle(i); m[size_t(i)] = !m[size_t(i)]; break;
+        case 0:
+            a.set(i);
+            m[size_t(i)] = true;
+            break;
+        case 1:
+            a.clear(i);
+            m[size_t(i)] = false;
+            break;
+        default:
+            a.toggle(i);
+            m[size_t(i)] = !m[size_t(i)];
+            break;
         }
         break;
     }
@@ -143,9 +152,18 @@ void step(FuzzInput &in, Probe *arrays, Model *models) {
         const int i = in.range(0, n + 40);
         growTo(m, i + 1);
         switch (in.range(0, 2)) {
-        case 0: a.setAutoResize(i); m[size_t(i)] = true; break;
-        case 1: a.clearAutoResize(i); m[size_t(i)] = false; break;
-        default: a.toggleAutoResize(i); m[size_t(i)] = !m[size_t(i)]; break;
+        case 0:
+            a.setAutoResize(i);
+            m[size_t(i)] = true;
+            break;
+        case 1:
+            a.clearAutoResize(i);
+            m[size_t(i)] = false;
+            break;
+        default:
+            a.toggleAutoResize(i);
+            m[size_t(i)] = !m[size_t(i)];
+            break;
         }
         break;
     }
@@ -197,10 +215,22 @@ void step(FuzzInput &in, Probe *arrays, Model *models) {
     }
     case 10:
         switch (in.range(0, 3)) {
-        case 0: a.setAll(); m.assign(m.size(), true); break;
-        case 1: a.clearAll(); m.assign(m.size(), false); break;
-        case 2: a.inverse(); m.flip(); break;
-        default: a.toggleAll(); m.flip(); break;
+        case 0:
+            a.setAll();
+            m.assign(m.size(), true);
+            break;
+        case 1:
+            a.clearAll();
+            m.assign(m.size(), false);
+            break;
+        case 2:
+            a.inverse();
+            m.flip();
+            break;
+        default:
+            a.toggleAll();
+            m.flip();
+            break;
         }
         break;
     case 11: { // OR and XOR, the other array or this one
@@ -333,10 +363,14 @@ void step(FuzzInput &in, Probe *arrays, Model *models) {
         for (int k = 0; k < 8; ++k) {
             const bool bit = (v >> k) & 1;
             count += bit;
-            if (bit && first1 == 8) first1 = k;
-            if (!bit && first0 == 8) first0 = k;
-            if (bit) last1 = k;
-            if (!bit) last0 = k;
+            if (bit && first1 == 8)
+                first1 = k;
+            if (!bit && first0 == 8)
+                first0 = k;
+            if (bit)
+                last1 = k;
+            if (!bit)
+                last0 = k;
         }
         FUZZ_CHECK(ZEFBoolArray::getNumBitsAt1(v) == count);
         FUZZ_CHECK(ZEFBoolArray::getNumBitsAt0(v) == 8 - count);

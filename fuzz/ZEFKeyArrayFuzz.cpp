@@ -38,10 +38,14 @@ void check(const ZEFKeyArray &a, const Model &m) {
 
 int pickNumber(FuzzInput &in) {
     switch (in.range(0, 3)) {
-    case 0: return in.range(-3, 12);
-    case 1: return in.range(0, 4000);
-    case 2: return -in.range(1, 1 << 30);
-    default: return in.range(0, 40);
+    case 0:
+        return in.range(-3, 12);
+    case 1:
+        return in.range(0, 4000);
+    case 2:
+        return -in.range(1, 1 << 30);
+    default:
+        return in.range(0, 40);
     }
 }
 

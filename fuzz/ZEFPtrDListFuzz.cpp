@@ -58,7 +58,9 @@ void check(ZEFPtrDList &list, const Model &m) {
     FUZZ_CHECK(copy.getCurrentPosition() == 0);
 }
 
-void removeAt(Model &m, int position) { m.items.erase(std::next(m.items.begin(), position)); }
+void removeAt(Model &m, int position) {
+    m.items.erase(std::next(m.items.begin(), position));
+}
 
 // The model of removeFirstData and removeLastData; returns false on an empty list.
 bool removeFirst(Model &m) {

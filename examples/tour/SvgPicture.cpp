@@ -39,7 +39,8 @@ struct Point {
 class Svg {
 public:
     // Appends printf-formatted text.
-    template <typename... Args> void add(const char *format, Args... args) {
+    template <typename... Args>
+    void add(const char *format, Args... args) {
         char buffer[512];
         const int n = std::snprintf(buffer, sizeof buffer, format, args...);
         if (n > 0)
@@ -64,7 +65,8 @@ Point viewPoint(double x, double y) {
 }
 
 double topScale() {
-    return std::min(kTopWidth / (kTopWorldXHigh - kTopWorldXLow), kTopHeight / (kTopWorldZHigh - kTopWorldZLow));
+    return std::min(kTopWidth / (kTopWorldXHigh - kTopWorldXLow),
+                    kTopHeight / (kTopWorldZHigh - kTopWorldZLow));
 }
 
 Point topPoint(double x, double z) {
@@ -76,15 +78,19 @@ Point topPoint(double x, double z) {
 
 const char *positionColour(BoundingBoxAlgo::BBoxPosition position) {
     switch (position) {
-    case BoundingBoxAlgo::BBoxInFront: return kInFront;
-    case BoundingBoxAlgo::BBoxAcross: return kAcross;
-    case BoundingBoxAlgo::BBoxBehind: return kBehind;
-    default: return kInk;
+    case BoundingBoxAlgo::BBoxInFront:
+        return kInFront;
+    case BoundingBoxAlgo::BBoxAcross:
+        return kAcross;
+    case BoundingBoxAlgo::BBoxBehind:
+        return kBehind;
+    default:
+        return kInk;
     }
 }
 
-void rectangle(Svg &svg, Point a, Point b, const char *stroke, double width, const char *fill, double fillOpacity,
-               const char *dash) {
+void rectangle(Svg &svg, Point a, Point b, const char *stroke, double width, const char *fill,
+               double fillOpacity, const char *dash) {
     const double x = std::min(a.x, b.x), y = std::min(a.y, b.y);
     svg.add("<rect x=\"%.1f\" y=\"%.1f\" width=\"%.1f\" height=\"%.1f\" stroke=\"%s\" stroke-width=\"%.1f\""
             " fill=\"%s\" fill-opacity=\"%.2f\"%s%s%s/>\n",
@@ -93,12 +99,14 @@ void rectangle(Svg &svg, Point a, Point b, const char *stroke, double width, con
 }
 
 void line(Svg &svg, Point a, Point b, const char *stroke, double width, const char *dash) {
-    svg.add("<line x1=\"%.1f\" y1=\"%.1f\" x2=\"%.1f\" y2=\"%.1f\" stroke=\"%s\" stroke-width=\"%.1f\"%s%s%s/>\n",
-            a.x, a.y, b.x, b.y, stroke, width, dash ? " stroke-dasharray=\"" : "", dash ? dash : "",
-            dash ? "\"" : "");
+    svg.add(
+        "<line x1=\"%.1f\" y1=\"%.1f\" x2=\"%.1f\" y2=\"%.1f\" stroke=\"%s\" stroke-width=\"%.1f\"%s%s%s/>\n",
+        a.x, a.y, b.x, b.y, stroke, width, dash ? " stroke-dasharray=\"" : "", dash ? dash : "",
+        dash ? "\"" : "");
 }
 
-void text(Svg &svg, double x, double y, double size, const char *weight, const char *anchor, const char *content) {
+void text(Svg &svg, double x, double y, double size, const char *weight, const char *anchor,
+          const char *content) {
     svg.add("<text x=\"%.1f\" y=\"%.1f\" font-family=\"%s\" font-size=\"%.0f\" font-weight=\"%s\""
             " text-anchor=\"%s\" fill=\"%s\">%s</text>\n",
             x, y, kFont, size, weight, anchor, kInk, content);
@@ -115,9 +123,11 @@ bool project(const TourScene &scene, const Vector3f &p, Point &out) {
 }
 
 void drawCameraView(Svg &svg, const TourScene &scene, const TourPick &pick) {
-    svg.add("<clipPath id=\"camera\"><rect x=\"%.1f\" y=\"%.1f\" width=\"%.1f\" height=\"%.1f\"/></clipPath>\n", kViewX,
-            kViewY, kViewWidth, kViewHeight);
-    rectangle(svg, {kViewX, kViewY}, {kViewX + kViewWidth, kViewY + kViewHeight}, "none", 0, kPanel, 1, nullptr);
+    svg.add(
+        "<clipPath id=\"camera\"><rect x=\"%.1f\" y=\"%.1f\" width=\"%.1f\" height=\"%.1f\"/></clipPath>\n",
+        kViewX, kViewY, kViewWidth, kViewHeight);
+    rectangle(svg, {kViewX, kViewY}, {kViewX + kViewWidth, kViewY + kViewHeight}, "none", 0, kPanel, 1,
+              nullptr);
     svg.raw("<g clip-path=\"url(#camera)\">\n");
 
     // Far boxes first, so that near ones are drawn over them.
@@ -138,10 +148,11 @@ void drawCameraView(Svg &svg, const TourScene &scene, const TourPick &pick) {
             for (int k = 0; k < 8; ++k)
                 all = project(scene, box->corners[k], corners[k]) && all;
             if (all) {
-                svg.add("<path stroke=\"%s\" stroke-width=\"0.7\" stroke-opacity=\"0.4\" fill=\"none\" d=\"", colour);
+                svg.add("<path stroke=\"%s\" stroke-width=\"0.7\" stroke-opacity=\"0.4\" fill=\"none\" d=\"",
+                        colour);
                 for (const auto &edge : kTourBoxEdges)
-                    svg.add("M%.1f %.1fL%.1f %.1f", corners[edge[0]].x, corners[edge[0]].y, corners[edge[1]].x,
-                            corners[edge[1]].y);
+                    svg.add("M%.1f %.1fL%.1f %.1f", corners[edge[0]].x, corners[edge[0]].y,
+                            corners[edge[1]].x, corners[edge[1]].y);
                 svg.raw("\"/>\n");
             }
         }
@@ -165,19 +176,20 @@ void drawCameraView(Svg &svg, const TourScene &scene, const TourPick &pick) {
         svg.add("<polygon points=\"%.1f,%.1f %.1f,%.1f %.1f,%.1f\" fill=\"%s\" fill-opacity=\"0.75\""
                 " stroke=\"#742a2a\" stroke-width=\"1.5\"/>\n",
                 a.x, a.y, b.x, b.y, c.x, c.y, kPicked);
-        svg.add("<circle cx=\"%.1f\" cy=\"%.1f\" r=\"7\" fill=\"none\" stroke=\"%s\" stroke-width=\"2\"/>\n", p.x, p.y,
-                kPicked);
+        svg.add("<circle cx=\"%.1f\" cy=\"%.1f\" r=\"7\" fill=\"none\" stroke=\"%s\" stroke-width=\"2\"/>\n",
+                p.x, p.y, kPicked);
         line(svg, {p.x - 14, p.y}, {p.x + 14, p.y}, kPicked, 2.0, nullptr);
         line(svg, {p.x, p.y - 14}, {p.x, p.y + 14}, kPicked, 2.0, nullptr);
     }
     svg.raw("</g>\n");
-    rectangle(svg, {kViewX, kViewY}, {kViewX + kViewWidth, kViewY + kViewHeight}, kInk, 1.5, "none", 0, nullptr);
+    rectangle(svg, {kViewX, kViewY}, {kViewX + kViewWidth, kViewY + kViewHeight}, kInk, 1.5, "none", 0,
+              nullptr);
     text(svg, kViewX, kViewY - 10, 15, "bold", "start", "What the camera sees");
 }
 
 void drawTopView(Svg &svg, const TourScene &scene, const TourPick &pick) {
-    svg.add("<clipPath id=\"top\"><rect x=\"%.1f\" y=\"%.1f\" width=\"%.1f\" height=\"%.1f\"/></clipPath>\n", kTopX,
-            kTopY, kTopWidth, kTopHeight);
+    svg.add("<clipPath id=\"top\"><rect x=\"%.1f\" y=\"%.1f\" width=\"%.1f\" height=\"%.1f\"/></clipPath>\n",
+            kTopX, kTopY, kTopWidth, kTopHeight);
     rectangle(svg, {kTopX, kTopY}, {kTopX + kTopWidth, kTopY + kTopHeight}, "none", 0, kPanel, 1, nullptr);
     svg.raw("<g clip-path=\"url(#top)\">\n");
 
@@ -193,13 +205,13 @@ void drawTopView(Svg &svg, const TourScene &scene, const TourPick &pick) {
     const double rectX[2] = {scene.rect.m_min.x(), scene.rect.m_max.x()};
     for (int side = 0; side < 2; ++side) {
         const double k = fieldX[side] * halfWidth, m = rectX[side] * halfWidth;
-        line(svg, topPoint(eyeX, eyeZ), topPoint(eyeX + (fx + k * rx) * reach, eyeZ + (fz + k * rz) * reach), kInk,
-             1.2, nullptr);
+        line(svg, topPoint(eyeX, eyeZ), topPoint(eyeX + (fx + k * rx) * reach, eyeZ + (fz + k * rz) * reach),
+             kInk, 1.2, nullptr);
         line(svg, topPoint(eyeX, eyeZ), topPoint(eyeX + (fx + m * rx) * reach, eyeZ + (fz + m * rz) * reach),
              kRectangle, 2.0, "12 6");
     }
-    line(svg, topPoint(eyeX - rx * reach, eyeZ - rz * reach), topPoint(eyeX + rx * reach, eyeZ + rz * reach), kInk, 1.0,
-         "4 4");
+    line(svg, topPoint(eyeX - rx * reach, eyeZ - rz * reach), topPoint(eyeX + rx * reach, eyeZ + rz * reach),
+         kInk, 1.0, "4 4");
 
     // Each box's world box, seen from above.
     for (const TourBox &box : scene.boxes) {
@@ -242,8 +254,8 @@ void drawLegend(Svg &svg, const TourScene &scene, const TourProjection &projecti
     legendItem(svg, kViewX, y3, kBehind, 0.0, nullptr, label);
 
     const double x2 = kViewX + 420;
-    std::snprintf(label, sizeof label, "filled: meets the screen rectangle (%d, %d wholly inside)", projection.meetRect,
-                  projection.entirelyInside);
+    std::snprintf(label, sizeof label, "filled: meets the screen rectangle (%d, %d wholly inside)",
+                  projection.meetRect, projection.entirelyInside);
     legendItem(svg, x2, y1, kInFront, 0.22, nullptr, label);
     legendItem(svg, x2, y2, kRectangle, 0.0, "12 6", "the screen rectangle");
     if (pick.found)
@@ -260,7 +272,8 @@ bool writeTourSvg(const std::string &path, const TourScene &scene, const TourPro
                   const TourPick &pick) {
     Svg svg;
     svg.raw("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
-    svg.add("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"%.0f\" height=\"%.0f\" viewBox=\"0 0 %.0f %.0f\">\n",
+    svg.add("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"%.0f\" height=\"%.0f\" viewBox=\"0 0 %.0f "
+            "%.0f\">\n",
             kCanvasWidth, kCanvasHeight, kCanvasWidth, kCanvasHeight);
     rectangle(svg, {0, 0}, {kCanvasWidth, kCanvasHeight}, "none", 0, "#ffffff", 1, nullptr);
     char title[160];

@@ -6,8 +6,8 @@
 #include <string>
 
 struct TourOptions {
-    std::uint32_t seed = 1;         // the scene's random seed
-    int boxes = 300;                // how many boxes the scene holds
+    std::uint32_t seed = 1;          // the scene's random seed
+    int boxes = 300;                 // how many boxes the scene holds
     std::string output = "tour.svg"; // where the picture goes
 };
 

@@ -54,9 +54,9 @@ TourCamera makeCamera() {
     const double n = c.nearPlane;
     const double fa = c.farPlane;
     // Perspective projection in storage order (column after column); w = -z.
-    c.projection = Matrix4f(float(f / c.aspect), 0, 0, 0,                     //
-                            0, float(f), 0, 0,                                 //
-                            0, 0, float((fa + n) / (n - fa)), -1,              //
+    c.projection = Matrix4f(float(f / c.aspect), 0, 0, 0,         //
+                            0, float(f), 0, 0,                    //
+                            0, 0, float((fa + n) / (n - fa)), -1, //
                             0, 0, float(2.0 * fa * n / (n - fa)), 0);
     c.viewProjection = c.projection * c.view;
     // After the divide, points in front have depths below (far + near) / (far - near);
@@ -113,10 +113,10 @@ void buildTourScene(TourScene &scene, std::uint32_t seed, int boxCount) {
         box.local.m_max = Vector3f(1.0f, 1.0f, 1.0f);
 
         Vector3f centre(random.uniform(-kFieldX, kFieldX), random.uniform(kFieldYLow, kFieldYHigh),
-                              random.uniform(kFieldZFar, kFieldZNear));
-        box.halfSize = Vector3f(random.uniform(kHalfSizeLow, kHalfSizeHigh),
-                                random.uniform(kHalfSizeLow, kHalfSizeHigh),
-                                random.uniform(kHalfSizeLow, kHalfSizeHigh));
+                        random.uniform(kFieldZFar, kFieldZNear));
+        box.halfSize =
+            Vector3f(random.uniform(kHalfSizeLow, kHalfSizeHigh), random.uniform(kHalfSizeLow, kHalfSizeHigh),
+                     random.uniform(kHalfSizeLow, kHalfSizeHigh));
 
         // The rotation, composed three ways.
         MatAff4f rotation;

@@ -43,22 +43,22 @@ struct TourBox {
     float viewDepth = 0.f; // the centre's distance along the view direction
     // Filled by the projection stage.
     BoundingBoxAlgo::BBoxPosition position = BoundingBoxAlgo::BBoxUnknown;
-    BoundingBox2D screen;  // projected rectangle, empty when all corners are behind
+    BoundingBox2D screen; // projected rectangle, empty when all corners are behind
     bool meetsRect = false;
     bool entirelyInside = false;
 };
 
 struct TourCamera {
     Vector3f eye;
-    Vector3f forward;      // unit view direction (horizontal)
-    Vector3f right;        // unit, screen x
-    Vector3f up;           // unit, screen y
-    float fovY = 0.f;      // vertical field of view, radians
-    float aspect = 0.f;    // width / height
+    Vector3f forward;   // unit view direction (horizontal)
+    Vector3f right;     // unit, screen x
+    Vector3f up;        // unit, screen y
+    float fovY = 0.f;   // vertical field of view, radians
+    float aspect = 0.f; // width / height
     float nearPlane = 0.f;
     float farPlane = 0.f;
-    MatRot4f view;         // world to camera
-    Matrix4f projection;   // camera to projected coordinates, x and y in -1..1 on screen
+    MatRot4f view;       // world to camera
+    Matrix4f projection; // camera to projected coordinates, x and y in -1..1 on screen
     Matrix4f viewProjection;
     float depthLimit = 0.f; // projected depths above it lie behind the eye
 };
@@ -66,9 +66,9 @@ struct TourCamera {
 struct TourScene {
     std::uint32_t seed = 0;
     TourCamera camera;
-    BoundingBox2D rect;    // the screen rectangle, in projected x and y
+    BoundingBox2D rect; // the screen rectangle, in projected x and y
     std::vector<TourBox> boxes;
-    IDGenerator ids;       // hands out the boxes' identifiers
+    IDGenerator ids; // hands out the boxes' identifiers
 };
 
 // The twelve triangles of a box, as indices into TourBox::corners.

@@ -20,10 +20,18 @@ TourProjection projectBoxes(TourScene &scene) {
         box.meetsRect = BoundingBoxAlgo::BBox3DIntersectBBox2D(box.local, scene.rect, box.toScreen, limit,
                                                                cleared, box.entirelyInside);
         switch (box.position) {
-        case BoundingBoxAlgo::BBoxInFront: ++counts.inFront; break;
-        case BoundingBoxAlgo::BBoxAcross: ++counts.across; break;
-        case BoundingBoxAlgo::BBoxBehind: ++counts.behind; break;
-        default: ++counts.unknown; break;
+        case BoundingBoxAlgo::BBoxInFront:
+            ++counts.inFront;
+            break;
+        case BoundingBoxAlgo::BBoxAcross:
+            ++counts.across;
+            break;
+        case BoundingBoxAlgo::BBoxBehind:
+            ++counts.behind;
+            break;
+        default:
+            ++counts.unknown;
+            break;
         }
         counts.meetRect += box.meetsRect ? 1 : 0;
         counts.entirelyInside += box.entirelyInside ? 1 : 0;

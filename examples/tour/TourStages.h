@@ -47,8 +47,8 @@ struct TourDedup {
 };
 
 struct TourIds {
-    int freed = 0;    // identifiers given back by the boxes behind the camera
-    int next = -1;    // the identifier a new object receives afterwards
+    int freed = 0; // identifiers given back by the boxes behind the camera
+    int next = -1; // the identifier a new object receives afterwards
 };
 
 // Projects every box and tests it against the screen rectangle; fills the

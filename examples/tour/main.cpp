@@ -32,8 +32,9 @@ const char *rotationCount(const TourScene &scene, TourRotation which, int &count
     count = 0;
     for (const TourBox &box : scene.boxes)
         count += box.rotation == which ? 1 : 0;
-    return which == TourRotation::Euler ? "Euler angles" : which == TourRotation::AxisAngle ? "axis and angle"
-                                                                                              : "quaternions";
+    return which == TourRotation::Euler       ? "Euler angles"
+           : which == TourRotation::AxisAngle ? "axis and angle"
+                                              : "quaternions";
 }
 
 } // namespace
@@ -73,13 +74,13 @@ int main(int argc, char **argv) {
     const char *eulerName = rotationCount(scene, TourRotation::Euler, euler);
     const char *axisName = rotationCount(scene, TourRotation::AxisAngle, axis);
     const char *quaternionName = rotationCount(scene, TourRotation::Quaternion, quaternion);
-    std::printf("scene       rotations from %s %d, %s %d, %s %d; ids %d to %d\n", eulerName, euler, axisName, axis,
-                quaternionName, quaternion, scene.boxes.front().id, scene.boxes.back().id);
-    std::printf("camera      eye (%.1f, %.1f, %.1f), %.0f degrees high, depth limit %.6f\n", double(camera.eye.x()),
-                double(camera.eye.y()), double(camera.eye.z()), double(camera.fovY) * 180.0 / 3.14159265358979323846,
-                double(camera.depthLimit));
-    std::printf("projection  %d in front, %d across the eye plane, %d behind", projection.inFront, projection.across,
-                projection.behind);
+    std::printf("scene       rotations from %s %d, %s %d, %s %d; ids %d to %d\n", eulerName, euler, axisName,
+                axis, quaternionName, quaternion, scene.boxes.front().id, scene.boxes.back().id);
+    std::printf("camera      eye (%.1f, %.1f, %.1f), %.0f degrees high, depth limit %.6f\n",
+                double(camera.eye.x()), double(camera.eye.y()), double(camera.eye.z()),
+                double(camera.fovY) * 180.0 / 3.14159265358979323846, double(camera.depthLimit));
+    std::printf("projection  %d in front, %d across the eye plane, %d behind", projection.inFront,
+                projection.across, projection.behind);
     if (projection.unknown > 0)
         std::printf(", %d unknown", projection.unknown);
     std::printf("\n");
@@ -89,26 +90,30 @@ int main(int argc, char **argv) {
     if (pick.found) {
         const TourBox &aim = scene.boxes[static_cast<std::size_t>(pick.aimBox)];
         const TourBox &hit = scene.boxes[static_cast<std::size_t>(pick.box)];
-        std::printf("pick        ray at box #%d crosses %d boxes, %d triangles tested: triangle %d of box #%d,\n"
-                    "            %.3f from the eye at (%.3f, %.3f, %.3f), u %.4f, v %.4f\n",
-                    aim.id, pick.boxesCrossed, pick.trianglesTested, pick.triangle, hit.id, double(pick.distance),
-                    double(pick.point.x()), double(pick.point.y()), double(pick.point.z()), double(pick.u),
-                    double(pick.v));
+        std::printf(
+            "pick        ray at box #%d crosses %d boxes, %d triangles tested: triangle %d of box #%d,\n"
+            "            %.3f from the eye at (%.3f, %.3f, %.3f), u %.4f, v %.4f\n",
+            aim.id, pick.boxesCrossed, pick.trianglesTested, pick.triangle, hit.id, double(pick.distance),
+            double(pick.point.x()), double(pick.point.y()), double(pick.point.z()), double(pick.u),
+            double(pick.v));
     } else {
         std::printf("pick        no box in front meets the rectangle: nothing to pick\n");
     }
     std::printf("transforms  %d split by getTransform and rebuilt, largest element error %.3g\n",
                 decomposition.count, double(decomposition.largestError));
     std::printf("            box #%d: scale made (%.4f, %.4f, %.4f), found (%.4f, %.4f, %.4f)\n",
-                scene.boxes.front().id, double(decomposition.scaleMade.x()), double(decomposition.scaleMade.y()),
-                double(decomposition.scaleMade.z()), double(decomposition.scaleFound.x()),
-                double(decomposition.scaleFound.y()), double(decomposition.scaleFound.z()));
+                scene.boxes.front().id, double(decomposition.scaleMade.x()),
+                double(decomposition.scaleMade.y()), double(decomposition.scaleMade.z()),
+                double(decomposition.scaleFound.x()), double(decomposition.scaleFound.y()),
+                double(decomposition.scaleFound.z()));
     if (solve.ok)
-        std::printf("solver      ground plane y = %.5f x %+.5f z %+.4f through the box centres, residual %.3g\n",
-                    solve.a, solve.b, solve.c, solve.residual);
+        std::printf(
+            "solver      ground plane y = %.5f x %+.5f z %+.4f through the box centres, residual %.3g\n",
+            solve.a, solve.b, solve.c, solve.residual);
     else
         std::printf("solver      too few boxes for a ground plane: the system is singular\n");
-    std::printf("vertices    %d triangle corners, %d distinct after BinarySort\n", dedup.vertices, dedup.distinct);
+    std::printf("vertices    %d triangle corners, %d distinct after BinarySort\n", dedup.vertices,
+                dedup.distinct);
     std::printf("ids         %d boxes behind the eye gave their ids back; the next new object gets id %d\n",
                 ids.freed, ids.next);
     std::printf("timer (seconds from the start, [since the previous stage]):\n");

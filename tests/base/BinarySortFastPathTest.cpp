@@ -51,11 +51,11 @@ TEST(BinarySortFastPath, OrderMatchesPlainRadixSort) {
     std::mt19937 rng(41);
     const std::vector<std::vector<int>> shapes = {
         {256, 256, 256, 256, 256, 256, 256, 256, 256, 256, 256, 256}, // random 12-byte records
-        {3, 1, 256, 2, 1},                                             // constant columns, few values
-        {1, 1, 1},                                                     // every row equal
-        std::vector<int>(20, 2),                                       // nests past the depth limit
-        {256, 2, 256},                                                 // odd count
-        {2, 256},                                                      // even count
+        {3, 1, 256, 2, 1},                                            // constant columns, few values
+        {1, 1, 1},                                                    // every row equal
+        std::vector<int>(20, 2),                                      // nests past the depth limit
+        {256, 2, 256},                                                // odd count
+        {2, 256},                                                     // even count
     };
     for (const std::vector<int> &shape : shapes) {
         for (int n : {1, 2, 31, 32, 33, 100, 3000, 70000}) {

@@ -5,8 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstdint>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <random>
 #include <thread>
@@ -40,13 +40,13 @@ struct Shared {
 
 Shared makeShared() {
     Shared s;
-    float values[16] = {0.8f, 0.1f, -0.3f, 0.0f, -0.2f, 0.9f, 0.25f, 0.0f,
-                        0.35f, -0.15f, 0.7f, 0.0f, 1.5f, -2.0f, 3.25f, 1.0f};
+    float values[16] = {0.8f,  0.1f,   -0.3f, 0.0f, -0.2f, 0.9f,  0.25f, 0.0f,
+                        0.35f, -0.15f, 0.7f,  0.0f, 1.5f,  -2.0f, 3.25f, 1.0f};
     s.view = Matrix4f(values);
     s.box.set(Vector3f(-1.0f, -1.0f, -1.0f));
     s.box.add(Vector3f(1.0f, 2.0f, 0.5f));
-    s.ring = {Vector2f(0.0f, 0.0f), Vector2f(2.0f, -1.0f), Vector2f(3.0f, 1.5f),
-              Vector2f(1.0f, 3.0f), Vector2f(-1.0f, 1.0f)};
+    s.ring = {Vector2f(0.0f, 0.0f), Vector2f(2.0f, -1.0f), Vector2f(3.0f, 1.5f), Vector2f(1.0f, 3.0f),
+              Vector2f(-1.0f, 1.0f)};
     return s;
 }
 
@@ -65,7 +65,8 @@ void runBatch(std::uint32_t seed, const Shared &shared, std::vector<std::uint32_
 
     for (int c = 0; c < kCasesPerRound; ++c) {
         float m[16];
-        for (float &x : m) x = unit(rng) * 4.0f;
+        for (float &x : m)
+            x = unit(rng) * 4.0f;
         Matrix4f a(m);
         Matrix4f product = shared.view * a;
         push(product.getValue(), 16);
@@ -134,7 +135,7 @@ void runBatch(std::uint32_t seed, const Shared &shared, std::vector<std::uint32_
 
         float evalues[3], evectors[3][3];
         int rots = 0;
-        float sym[16] = {m[0], m[1], m[2], 0.0f, m[1], m[5], m[6], 0.0f,
+        float sym[16] = {m[0], m[1], m[2],  0.0f, m[1], m[5], m[6], 0.0f,
                          m[2], m[6], m[10], 0.0f, 0.0f, 0.0f, 0.0f, 1.0f};
         kernel->jacobi3(evalues, evectors, rots, sym);
         out.push_back(std::uint32_t(rots));
@@ -150,7 +151,8 @@ TEST(Concurrency, KernelAndConstReadsMatchTheSingleThreadedReference) {
     const Shared shared = makeShared();
 
     std::vector<std::vector<std::uint32_t>> reference(kThreads);
-    for (int t = 0; t < kThreads; ++t) runBatch(1000u + std::uint32_t(t), shared, reference[t]);
+    for (int t = 0; t < kThreads; ++t)
+        runBatch(1000u + std::uint32_t(t), shared, reference[t]);
 
     std::vector<int> mismatches(kThreads, 0);
     std::vector<int> clockFaults(kThreads, 0);
@@ -160,19 +162,23 @@ TEST(Concurrency, KernelAndConstReadsMatchTheSingleThreadedReference) {
         threads.emplace_back([&, t] {
             // Start together, so that the batches overlap.
             waiting.fetch_sub(1);
-            while (waiting.load() > 0) std::this_thread::yield();
+            while (waiting.load() > 0)
+                std::this_thread::yield();
             double previous = ZEFTimer::getElapsedTime();
             for (int round = 0; round < kRounds; ++round) {
                 std::vector<std::uint32_t> mine;
                 runBatch(1000u + std::uint32_t(t), shared, mine);
-                if (mine != reference[t]) ++mismatches[t];
+                if (mine != reference[t])
+                    ++mismatches[t];
                 double now = ZEFTimer::getElapsedTime();
-                if (!(now >= previous) || !(now > 0.0)) ++clockFaults[t];
+                if (!(now >= previous) || !(now > 0.0))
+                    ++clockFaults[t];
                 previous = now;
             }
         });
     }
-    for (std::thread &th : threads) th.join();
+    for (std::thread &th : threads)
+        th.join();
 
     for (int t = 0; t < kThreads; ++t) {
         EXPECT_EQ(mismatches[t], 0) << "thread " << t;

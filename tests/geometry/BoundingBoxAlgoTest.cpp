@@ -26,7 +26,9 @@ BoundingBox2D rect(float x0, float y0, float x1, float y1) {
     r.set(box(Vector3f(x0, y0, 0), Vector3f(x1, y1, 0)));
     return r;
 }
-bool same(const BoundingBox &a, const BoundingBox &b) { return a.m_min.equals(b.m_min) && a.m_max.equals(b.m_max); }
+bool same(const BoundingBox &a, const BoundingBox &b) {
+    return a.m_min.equals(b.m_min) && a.m_max.equals(b.m_max);
+}
 
 // A perspective camera looking down -z: 90 degrees, near 1, far 100. Eye depths map to
 // -1..1 in front; points behind the eye get depths above 1.
@@ -68,7 +70,8 @@ TEST(BoundingBoxAlgo, MovedBoxAndDistances) {
     rot.setValue(c, c, 0, 0, -c, c, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1);
     BoundingBox b = box(Vector3f(-1, -1, -2), Vector3f(1, 1, 3)), out;
     Algo::transformBBox(out, b, rot);
-    EXPECT_TRUE(std::fabs(out.m_max.x() - std::sqrt(2.0)) < 1e-6 && std::fabs(out.m_min.y() + std::sqrt(2.0)) < 1e-6);
+    EXPECT_TRUE(std::fabs(out.m_max.x() - std::sqrt(2.0)) < 1e-6 &&
+                std::fabs(out.m_min.y() + std::sqrt(2.0)) < 1e-6);
     EXPECT_TRUE(out.m_min.z() == -2.0f && out.m_max.z() == 3.0f);
     Algo::transformBBox(b, b, rot); // out may be box
     EXPECT_TRUE(same(b, out));
@@ -89,7 +92,8 @@ TEST(BoundingBoxAlgo, CameraProjectionFrontBehindAcross) {
     EXPECT_EQ(Algo::cameraProjBBox(out, front, kCamera, kDepthLimit), Algo::BBoxInFront);
     projectCorners(lo, hi, front);
     for (int i = 0; i < 3; ++i)
-        EXPECT_TRUE(std::fabs(out.m_min[i] - lo[i]) < kRandomTol && std::fabs(out.m_max[i] - hi[i]) < kRandomTol);
+        EXPECT_TRUE(std::fabs(out.m_min[i] - lo[i]) < kRandomTol &&
+                    std::fabs(out.m_max[i] - hi[i]) < kRandomTol);
 
     // Wholly behind: an empty output stays empty, bit for bit; a filled one gains two points.
     const BoundingBox behind = box(Vector3f(-1, -1, 2), Vector3f(4, 4, 3));
@@ -102,13 +106,15 @@ TEST(BoundingBoxAlgo, CameraProjectionFrontBehindAcross) {
     EXPECT_TRUE(same(empty, before) && !r2.isInitialized() && r2.m_min.y() == 0 && r2.m_max.y() == 0);
     EXPECT_EQ(Algo::cameraProjBBox(gathered, behind, kCamera, kDepthLimit), Algo::BBoxBehind);
     projectCorners(lo, hi, behind);
-    EXPECT_TRUE(std::fabs(gathered.m_max.x() - hi[0]) < kRandomTol && std::fabs(gathered.m_max.y() - hi[1]) < kRandomTol);
+    EXPECT_TRUE(std::fabs(gathered.m_max.x() - hi[0]) < kRandomTol &&
+                std::fabs(gathered.m_max.y() - hi[1]) < kRandomTol);
     EXPECT_TRUE(gathered.m_min.z() == kGeomBehindDepth && gathered.m_max.z() == out.m_max.z());
 
     // Across the limit: front depths all exceed 2^-23, the merged range still reaches it.
     BoundingBox across;
-    EXPECT_EQ(Algo::cameraProjBBox(across, box(Vector3f(-1, -1, -5), Vector3f(1, 1, 5)), kCamera, kDepthLimit),
-              Algo::BBoxAcross);
+    EXPECT_EQ(
+        Algo::cameraProjBBox(across, box(Vector3f(-1, -1, -5), Vector3f(1, 1, 5)), kCamera, kDepthLimit),
+        Algo::BBoxAcross);
     EXPECT_TRUE(across.m_min.z() == kGeomBehindDepth && across.m_max.z() > 0.5f);
 
     // A corner exactly at the limit is in front; just beyond it, behind.
@@ -117,8 +123,9 @@ TEST(BoundingBoxAlgo, CameraProjectionFrontBehindAcross) {
     cameraProjPoint(p, Vector3f(1, 1, -5), kCamera, kDepthLimit);
     EXPECT_EQ(Algo::cameraProjBBox(r2, flat, kCamera, p.z()), Algo::BBoxInFront);
     EXPECT_EQ(Algo::cameraProjBBox(r2, flat, kCamera, std::nextafter(p.z(), 0.0f)), Algo::BBoxBehind);
-    EXPECT_EQ(Algo::cameraProjBBox(r2, box(Vector3f(NAN, NAN, NAN), Vector3f(NAN, NAN, NAN)), kCamera, kDepthLimit),
-              Algo::BBoxUnknown);
+    EXPECT_EQ(
+        Algo::cameraProjBBox(r2, box(Vector3f(NAN, NAN, NAN), Vector3f(NAN, NAN, NAN)), kCamera, kDepthLimit),
+        Algo::BBoxUnknown);
 }
 
 TEST(BoundingBoxAlgo, IntersectionTestsCasesWidthBoundAndEarlyExit) {
@@ -131,8 +138,9 @@ TEST(BoundingBoxAlgo, IntersectionTestsCasesWidthBoundAndEarlyExit) {
     };
     EXPECT_TRUE(test(small, rect(0, -1, 0.5f, 1)) && inside);    // all in
     EXPECT_TRUE(test(small, rect(0, -1, 0.075f, 1)) && !inside); // some in
-    EXPECT_TRUE(test(box(Vector3f(-10, -10, -5), Vector3f(10, 10, -4)), rect(-0.5f, -0.5f, 0.5f, 0.5f)) && !inside);
-    EXPECT_TRUE(!test(small, rect(0.2f, -1, 0.5f, 1)) && !cleared && !inside); // apart
+    EXPECT_TRUE(test(box(Vector3f(-10, -10, -5), Vector3f(10, 10, -4)), rect(-0.5f, -0.5f, 0.5f, 0.5f)) &&
+                !inside);
+    EXPECT_TRUE(!test(small, rect(0.2f, -1, 0.5f, 1)) && !cleared && !inside);           // apart
     EXPECT_FALSE(test(box(Vector3f(-1, -1, 2), Vector3f(1, 1, 4)), rect(-1, -1, 1, 1))); // behind
     EXPECT_FALSE(test(small, BoundingBox2D()));
     // Width exactly float 0.05: the small way, no entirelyInside; the next float: the wide way.
@@ -140,8 +148,10 @@ TEST(BoundingBoxAlgo, IntersectionTestsCasesWidthBoundAndEarlyExit) {
     EXPECT_TRUE(test(small, rect(0.05f, -1, std::nextafter(0.1f, 1.0f), 1)) && inside);
 
     const Vector3f a(-1, -1, 2), b(1, -1, 2), c(1, 1, 2), d(-1, 1, 2), e(0, 0, -5);
-    EXPECT_TRUE(!Algo::QuadIntersectBBox2D(a, b, c, d, rect(-1, -1, 1, 1), kCamera, kDepthLimit, cleared) && !cleared);
-    EXPECT_TRUE(Algo::QuadIntersectBBox2D(a, b, e, d, rect(-0.1f, -0.1f, 0.1f, 0.1f), kCamera, kDepthLimit, cleared));
+    EXPECT_TRUE(!Algo::QuadIntersectBBox2D(a, b, c, d, rect(-1, -1, 1, 1), kCamera, kDepthLimit, cleared) &&
+                !cleared);
+    EXPECT_TRUE(
+        Algo::QuadIntersectBBox2D(a, b, e, d, rect(-0.1f, -0.1f, 0.1f, 0.1f), kCamera, kDepthLimit, cleared));
 
     // The first corner in a small rect settles the answer before any other projection.
     (new CountingKernel)->setDefault();
@@ -164,9 +174,10 @@ TEST(BoundingBoxAlgo, IntersectionAgreesWithProjectedRectangleOnRandomBoxes) {
         if (std::fabs(gx) < 1e-4 || std::fabs(gy) < 1e-4)
             continue; // too near touching for float work
         bool cleared, inside;
-        EXPECT_EQ(Algo::BBox3DIntersectBBox2D(b, re, kCamera, kDepthLimit, cleared, inside), gx > 0 && gy > 0);
-        const bool allIn = re.m_min.x() <= lo[0] && hi[0] <= re.m_max.x() && re.m_min.y() <= lo[1] &&
-                           hi[1] <= re.m_max.y();
+        EXPECT_EQ(Algo::BBox3DIntersectBBox2D(b, re, kCamera, kDepthLimit, cleared, inside),
+                  gx > 0 && gy > 0);
+        const bool allIn =
+            re.m_min.x() <= lo[0] && hi[0] <= re.m_max.x() && re.m_min.y() <= lo[1] && hi[1] <= re.m_max.y();
         if (re.m_max.x() - re.m_min.x() > 0.06f) {
             EXPECT_EQ(inside, allIn);
         }

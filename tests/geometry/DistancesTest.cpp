@@ -11,13 +11,27 @@ const float kSentinel = -777.0f;
 const double kRandomTol = 2e-4; // float work against a double reference, values up to ~20
 const float kTolBound = 1e-4f;  // the float nearest the double 0.0001 lies below it
 
-struct D3 { double x, y, z; };
-D3 d3(const Vector3f &v) { return {v.x(), v.y(), v.z()}; }
-D3 sub(D3 a, D3 b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
-D3 axpy(D3 o, double t, D3 d) { return {o.x + t * d.x, o.y + t * d.y, o.z + t * d.z}; }
-double dot(D3 a, D3 b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
-D3 cross(D3 a, D3 b) { return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x}; }
-double len(D3 a) { return std::sqrt(dot(a, a)); }
+struct D3 {
+    double x, y, z;
+};
+D3 d3(const Vector3f &v) {
+    return {v.x(), v.y(), v.z()};
+}
+D3 sub(D3 a, D3 b) {
+    return {a.x - b.x, a.y - b.y, a.z - b.z};
+}
+D3 axpy(D3 o, double t, D3 d) {
+    return {o.x + t * d.x, o.y + t * d.y, o.z + t * d.z};
+}
+double dot(D3 a, D3 b) {
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+D3 cross(D3 a, D3 b) {
+    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+double len(D3 a) {
+    return std::sqrt(dot(a, a));
+}
 Vector3f randomVec(std::mt19937 &g, float r) {
     std::uniform_real_distribution<float> u(-r, r);
     return Vector3f(u(g), u(g), u(g));
@@ -33,7 +47,8 @@ TEST(Distances, LineLineAndLineSegmentAgainstDouble) {
     std::mt19937 g(11);
     for (int i = 0; i < 500; ++i) {
         const ZEFLine a(randomVec(g, 10), randomVec(g, 1), true), b(randomVec(g, 10), randomVec(g, 1), true);
-        const D3 d1 = d3(a.m_dir), d2 = d3(b.m_dir), w = sub(d3(b.m_origin), d3(a.m_origin)), c = cross(d1, d2);
+        const D3 d1 = d3(a.m_dir), d2 = d3(b.m_dir), w = sub(d3(b.m_origin), d3(a.m_origin)),
+                 c = cross(d1, d2);
         if (len(c) > 0.1) { // nearest points: (pa - pb) orthogonal to both directions
             const double k = dot(d1, d2), e = dot(d1, w), f = dot(d2, w);
             EXPECT_NEAR(distanceLineLine(a, b, ta, tb), std::fabs(dot(w, c)) / len(c), kRandomTol);
@@ -103,7 +118,7 @@ TEST(Distances, PointInTriangleAgainstBarycentric) {
     const Vector3f a(0, 0, 0), b(4, 0, 0), c(0, 4, 0);
     for (const Vector3f &p : {a, b, c, Vector3f(2, 2, 0), Vector3f(1, 1, 9)})
         EXPECT_TRUE(pointInTriangle(p, a, b, c) && pointInTriangle(p, a, c, b)); // closed, either winding
-    EXPECT_FALSE(pointInTriangle(Vector3f(1, 0, 0), a, b, Vector3f(8, 0, 0))); // degenerate
+    EXPECT_FALSE(pointInTriangle(Vector3f(1, 0, 0), a, b, Vector3f(8, 0, 0)));   // degenerate
     std::mt19937 g(14);
     std::uniform_real_distribution<double> u(-0.5, 1.5);
     for (int i = 0; i < 2000; ++i) {
@@ -119,7 +134,8 @@ TEST(Distances, PointInTriangleAgainstBarycentric) {
 
 TEST(Distances, CoteLimitsAndCameraFlipsBeyondTheDepthLimit) {
     float h = kSentinel;
-    EXPECT_TRUE(Cote(Vector3f(1, 0, 0), Vector3f(-1, 0, 0), 3, h) == 0.0f && h == float(3.141592653589793 / 2));
+    EXPECT_TRUE(Cote(Vector3f(1, 0, 0), Vector3f(-1, 0, 0), 3, h) == 0.0f &&
+                h == float(3.141592653589793 / 2));
     EXPECT_TRUE(Cote(Vector3f(1, 0, 0), Vector3f(1, 0, 0), 3, h) == 0.0f && h == 0.0f);
     EXPECT_NEAR(Cote(Vector3f(1, 0, 0), Vector3f(0, 1, 0), 3, h), 3.0f, 1e-6f);
     Vector3f out;

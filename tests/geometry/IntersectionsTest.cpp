@@ -16,7 +16,9 @@ Vector3f randomVec(std::mt19937 &g, float r) {
     std::uniform_real_distribution<float> u(-r, r);
     return Vector3f(u(g), u(g), u(g));
 }
-ZEFLine line(const Vector3f &o, const Vector3f &d) { return ZEFLine(o, d, true); }
+ZEFLine line(const Vector3f &o, const Vector3f &d) {
+    return ZEFLine(o, d, true);
+}
 Plane plane(const Vector3f &n, const Vector3f &p) {
     Plane pl;
     pl.setFromNormalPoint(n, p);
@@ -48,13 +50,17 @@ TEST(Intersections, LinesAndSegmentsBoundsAndRandom) {
         if (std::fabs(Vector3f::dot(a.m_dir, b.m_dir)) > 0.9f)
             continue;
         EXPECT_EQ(interLineLine(p, ta, tb, a, b), e_geomPoint);
-        EXPECT_TRUE((p - common).normD() < kRandomTol && std::fabs(ta - 3) < kRandomTol && std::fabs(tb + 2) < kRandomTol);
-        EXPECT_EQ(interLineLine(p, ta, tb, a, line(b.m_origin + a.m_dir.cross(b.m_dir), b.m_dir)), e_geomNone);
-        const ZEFSegment sa(a.m_origin, a.m_origin + a.m_dir * 4.0f), sb(b.m_origin, b.m_origin - b.m_dir * 3.0f);
+        EXPECT_TRUE((p - common).normD() < kRandomTol && std::fabs(ta - 3) < kRandomTol &&
+                    std::fabs(tb + 2) < kRandomTol);
+        EXPECT_EQ(interLineLine(p, ta, tb, a, line(b.m_origin + a.m_dir.cross(b.m_dir), b.m_dir)),
+                  e_geomNone);
+        const ZEFSegment sa(a.m_origin, a.m_origin + a.m_dir * 4.0f),
+            sb(b.m_origin, b.m_origin - b.m_dir * 3.0f);
         EXPECT_EQ(interSegmentSegment(p, ta, sa, sb), e_geomPoint);
         EXPECT_EQ(interSegmentSegment(p, ta, ZEFSegment(sa.m_start, common), sb), e_geomPoint); // end in
         EXPECT_EQ(interSegmentSegment(p, ta, sa, ZEFSegment(sb.m_start, sb.m_start - b.m_dir)), e_geomNone);
-        EXPECT_EQ(interSegmentSegment(p, ta, ZEFSegment(sa.m_start, sa.m_start + a.m_dir * 2.0f), sb), e_geomNone);
+        EXPECT_EQ(interSegmentSegment(p, ta, ZEFSegment(sa.m_start, sa.m_start + a.m_dir * 2.0f), sb),
+                  e_geomNone);
     }
 }
 
@@ -116,9 +122,11 @@ TEST(Intersections, LineTriangleAndPlanePlane) {
     Vector3f p(kSentinel, kSentinel, kSentinel);
     float u = kSentinel, v = kSentinel;
     bool inside = true;
-    EXPECT_EQ(interLineTriangle(p, u, v, inside, line(Vector3f(5, 5, 0), Vector3f(1, 2, 0)), a, b, c), e_geomNone);
+    EXPECT_EQ(interLineTriangle(p, u, v, inside, line(Vector3f(5, 5, 0), Vector3f(1, 2, 0)), a, b, c),
+              e_geomNone);
     EXPECT_TRUE(!inside && p.x() == kSentinel && u == kSentinel && v == kSentinel);
-    EXPECT_EQ(interLineTriangle(p, u, v, inside, line(Vector3f(2, 0, 7), Vector3f(0, 0, -3)), a, b, c), e_geomPoint);
+    EXPECT_EQ(interLineTriangle(p, u, v, inside, line(Vector3f(2, 0, 7), Vector3f(0, 0, -3)), a, b, c),
+              e_geomPoint);
     EXPECT_TRUE(inside && u == 1.0f && v == 0.0f); // through a vertex
     std::mt19937 g(23);
     std::uniform_real_distribution<double> w(-0.5, 1.5);
@@ -126,12 +134,14 @@ TEST(Intersections, LineTriangleAndPlanePlane) {
         const Vector3f p0 = randomVec(g, 5), p1 = randomVec(g, 5), p2 = randomVec(g, 5), d = randomVec(g, 1);
         const Vector3f n = (p1 - p0).cross(p2 - p0);
         const double su = w(g), sv = w(g), m = std::fmin(std::fmin(su, sv), 1 - su - sv);
-        if (n.norm() < 1.0f || std::fabs(Vector3f::dot(n, d)) < 0.3f * n.norm() * d.norm() || std::fabs(m) < 1e-3)
+        if (n.norm() < 1.0f || std::fabs(Vector3f::dot(n, d)) < 0.3f * n.norm() * d.norm() ||
+            std::fabs(m) < 1e-3)
             continue;
         const Vector3f hit = p0 + (p1 - p0) * float(su) + (p2 - p0) * float(sv);
         ASSERT_EQ(interLineTriangle(p, u, v, inside, line(hit - d * 4.0f, d), p0, p1, p2), e_geomPoint);
         EXPECT_EQ(inside, m > 0);
-        EXPECT_TRUE(std::fabs(u - su) < kRandomTol && std::fabs(v - sv) < kRandomTol && (p - hit).normD() < 0.01);
+        EXPECT_TRUE(std::fabs(u - su) < kRandomTol && std::fabs(v - sv) < kRandomTol &&
+                    (p - hit).normD() < 0.01);
     }
 
     const Plane z1 = plane(Vector3f(0, 0, 1), Vector3f(0, 0, 1));
@@ -139,7 +149,8 @@ TEST(Intersections, LineTriangleAndPlanePlane) {
     flipped.m_normal = Vector3f(0, 0, -1);
     flipped.m_d = 1;
     ZEFLine l = line(Vector3f(kSentinel, 0, 0), Vector3f(1, 0, 0));
-    EXPECT_TRUE(interPlanePlane(l, Plane(), z1) == e_geomParallel && interPlanePlane(l, z1, flipped) == e_geomParallel);
+    EXPECT_TRUE(interPlanePlane(l, Plane(), z1) == e_geomParallel &&
+                interPlanePlane(l, z1, flipped) == e_geomParallel);
     EXPECT_TRUE(interPlanePlane(l, z1, z1) == e_geomCoincident && l.m_origin.x() == kSentinel);
     Plane y2 = plane(Vector3f(0, 1, 0), Vector3f(0, 2, 0)); // unnormalised normal, scaled constant
     y2.m_normal *= 3.0f;
@@ -157,7 +168,8 @@ TEST(Intersections, LineBoxFacesViewingVolumeAndRandom) {
     const auto enter = [&](const Vector3f &o, const Vector3f &d) {
         return interLineBoundingBox(tIn, tOut, fx, fy, fz, line(o, d), box);
     };
-    EXPECT_TRUE(enter(Vector3f(-5, 0, 0), Vector3f(1, 0, 0)) && tIn == 4.0f && tOut == 6.0f && fx == -1 && fy == 0);
+    EXPECT_TRUE(enter(Vector3f(-5, 0, 0), Vector3f(1, 0, 0)) && tIn == 4.0f && tOut == 6.0f && fx == -1 &&
+                fy == 0);
     EXPECT_TRUE(enter(Vector3f(5, 0, 0), Vector3f(-1, 0, 0)) && fx == 1 && fy == 0 && fz == 0);
     EXPECT_TRUE(enter(Vector3f(-5, -6, 0), Vector3f(1, 1, 0)) && fx == -1 && fy == 0); // an edge: x first
     EXPECT_TRUE(enter(Vector3f(-5, 10, 0), Vector3f(1, 0, 0)) && tIn == 4.0f); // only the x slab bounds it
@@ -169,7 +181,8 @@ TEST(Intersections, LineBoxFacesViewingVolumeAndRandom) {
     const Plane y0 = plane(Vector3f(0, 1, 0), box.m_min), y1 = plane(Vector3f(0, -1, 0), box.m_max);
     const Plane z0 = plane(Vector3f(0, 0, 1), box.m_min), z1 = plane(Vector3f(0, 0, -1), box.m_max);
     Vector3f in, out;
-    interLineViewingVolume(in, out, vIn, vOut, line(Vector3f(0, 0, 0), Vector3f(0, 1, 0)), x0, x1, x0, x1, z0, z1);
+    interLineViewingVolume(in, out, vIn, vOut, line(Vector3f(0, 0, 0), Vector3f(0, 1, 0)), x0, x1, x0, x1, z0,
+                           z1);
     EXPECT_TRUE(vIn == -std::numeric_limits<float>::max() && vOut == std::numeric_limits<float>::max());
     std::mt19937 g(25);
     for (int i = 0; i < 1000; ++i) {
@@ -183,7 +196,8 @@ TEST(Intersections, LineBoxFacesViewingVolumeAndRandom) {
         if (std::fabs(hi - lo) < 1e-3)
             continue;
         interLineBoundingBox(tIn, tOut, ln, box);
-        EXPECT_TRUE(std::fabs(tIn - (lo < hi ? lo : 0)) < kRandomTol && std::fabs(tOut - (lo < hi ? hi : 0)) < kRandomTol);
+        EXPECT_TRUE(std::fabs(tIn - (lo < hi ? lo : 0)) < kRandomTol &&
+                    std::fabs(tOut - (lo < hi ? hi : 0)) < kRandomTol);
         interLineViewingVolume(in, out, vIn, vOut, ln, x0, x1, y0, y1, z0, z1);
         EXPECT_TRUE(std::fabs(vIn - lo) < kRandomTol && std::fabs(vOut - hi) < kRandomTol);
         EXPECT_LT((in - (ln.m_origin + ln.m_dir * vIn)).normD(), kRandomTol);

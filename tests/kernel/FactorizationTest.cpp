@@ -17,7 +17,9 @@ namespace {
 constexpr float kSentinel = -12345.5f;
 const float kIdentity[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
 
-EnhancedMathFunctions const &k() { return zeftest::kernel(); }
+EnhancedMathFunctions const &k() {
+    return zeftest::kernel();
+}
 
 void diag(float *m, float a, float b, float c) {
     std::copy(kIdentity, kIdentity + 16, m);
@@ -25,7 +27,9 @@ void diag(float *m, float a, float b, float c) {
 }
 
 // Element (row, col) of a matrix in storage order.
-double at(float const *m, int row, int col) { return m[4 * col + row]; }
+double at(float const *m, int row, int col) {
+    return m[4 * col + row];
+}
 
 // Largest deviation of the 3x3 block of m from an orthonormal matrix.
 double orthoDefect(float const *m) {

@@ -44,13 +44,22 @@ void plainMultQuaternions(float *out, const float *a, const float *b) {
 
 void plainQuaternionToMatrix(float *out, const float *q) {
     const double w = q[0], x = q[1], y = q[2], z = q[3];
-    const float r[16] = {float(2.0 * (w * w + x * x) - 1.0), float(2.0 * (x * y + w * z)),
-                         float(2.0 * (x * z - w * y)),       0.0f,
-                         float(2.0 * (x * y - w * z)),       float(2.0 * (w * w + y * y) - 1.0),
-                         float(2.0 * (y * z + w * x)),       0.0f,
-                         float(2.0 * (x * z + w * y)),       float(2.0 * (y * z - w * x)),
-                         float(2.0 * (w * w + z * z) - 1.0), 0.0f,
-                         0.0f, 0.0f, 0.0f, 1.0f};
+    const float r[16] = {float(2.0 * (w * w + x * x) - 1.0),
+                         float(2.0 * (x * y + w * z)),
+                         float(2.0 * (x * z - w * y)),
+                         0.0f,
+                         float(2.0 * (x * y - w * z)),
+                         float(2.0 * (w * w + y * y) - 1.0),
+                         float(2.0 * (y * z + w * x)),
+                         0.0f,
+                         float(2.0 * (x * z + w * y)),
+                         float(2.0 * (y * z - w * x)),
+                         float(2.0 * (w * w + z * z) - 1.0),
+                         0.0f,
+                         0.0f,
+                         0.0f,
+                         0.0f,
+                         1.0f};
     std::memcpy(out, r, sizeof r);
 }
 
@@ -115,7 +124,8 @@ bool plainInverseMatrix(float *out, const float *m) {
 // instruction passes on follows the operand order the compiler picks.
 ::testing::AssertionResult sameFloats(const float *got, const float *want, int n) {
     for (int i = 0; i < n; ++i)
-        if (std::memcmp(&got[i], &want[i], sizeof(float)) != 0 && !(std::isnan(got[i]) && std::isnan(want[i])))
+        if (std::memcmp(&got[i], &want[i], sizeof(float)) != 0 &&
+            !(std::isnan(got[i]) && std::isnan(want[i])))
             return ::testing::AssertionFailure() << "element " << i << ": " << got[i] << " vs " << want[i];
     return ::testing::AssertionSuccess();
 }
@@ -123,9 +133,16 @@ bool plainInverseMatrix(float *out, const float *m) {
 // Returns a float with a random full mantissa, or now and then a special value
 // or one that makes terms cancel.
 float draw(std::mt19937 &rng, bool specials) {
-    const float kSpecial[] = {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(),
-                              -std::numeric_limits<float>::infinity(), std::numeric_limits<float>::denorm_min(),
-                              -0.0f, 0.0f, 1.0f, -1.0f, 3.4e38f, 1e-38f};
+    const float kSpecial[] = {std::numeric_limits<float>::quiet_NaN(),
+                              std::numeric_limits<float>::infinity(),
+                              -std::numeric_limits<float>::infinity(),
+                              std::numeric_limits<float>::denorm_min(),
+                              -0.0f,
+                              0.0f,
+                              1.0f,
+                              -1.0f,
+                              3.4e38f,
+                              1e-38f};
     if (specials && rng() % 8 == 0)
         return kSpecial[rng() % 10];
     std::uniform_real_distribution<float> u(-1.0f, 1.0f);
@@ -165,7 +182,7 @@ TEST(FastPathEquivalence, MatrixProductAndPointMatchPlainBits) {
         plainMultMatrixVec3f(want, a, v);
         k.multMatrixVec3f(p, a, v);
         ASSERT_TRUE(sameFloats(p, want, 3)) << "round " << round;
-        EXPECT_EQ(p[3], 42.0f); // the fourth float is not written
+        EXPECT_EQ(p[3], 42.0f);     // the fourth float is not written
         k.multMatrixVec3f(v, a, v); // in place
         ASSERT_TRUE(sameFloats(v, want, 3)) << "in place, round " << round;
     }

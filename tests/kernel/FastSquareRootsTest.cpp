@@ -13,10 +13,14 @@ using zeftest::floatOf;
 
 namespace {
 
-EnhancedMathFunctions const &k() { return zeftest::kernel(); }
+EnhancedMathFunctions const &k() {
+    return zeftest::kernel();
+}
 
 // One Newton step towards 1/sqrt(x), in double, rounded to float.
-float step(float y, float x) { return float(double(y) * (3.0 - double(x) * y * y) * 0.5); }
+float step(float y, float x) {
+    return float(double(y) * (3.0 - double(x) * y * y) * 0.5);
+}
 
 } // namespace
 
@@ -59,7 +63,7 @@ TEST(FastSquareRoots, SeedLayoutAndEachStepRounded) {
         float const x = floatOf((e << 23) | mantissa(rng));
         std::uint32_t const seed = bitsOf(k().invSqrt(-x, 0));
         ASSERT_EQ(seed >> 23, (380u - e) / 2u) << x; // sign clear, exponent halved
-        ASSERT_EQ(seed & 0x7FFFu, 0u) << x;           // low 15 mantissa bits clear
+        ASSERT_EQ(seed & 0x7FFFu, 0u) << x;          // low 15 mantissa bits clear
         ASSERT_EQ(seed, bitsOf(k().invSqrt(x, 0))) << x;
         float y = floatOf(seed);
         for (int n = 1; n <= 3; ++n) {

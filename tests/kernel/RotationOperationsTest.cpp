@@ -18,7 +18,9 @@ constexpr float kRoundTripTol = 5e-5f;
 constexpr float kExactTol = 1e-6f;
 constexpr double kPi = 3.14159265358979323846;
 
-EnhancedMathFunctions const *K() { return EnhancedMathFunctions::getCurrent(); }
+EnhancedMathFunctions const *K() {
+    return EnhancedMathFunctions::getCurrent();
+}
 
 void expectNear(float const *got, float const *want, int n, float tol) {
     for (int i = 0; i < n; ++i)
@@ -59,8 +61,8 @@ TEST(RotationOperations, ArithmeticRoundsWhereStatedAndWorksInPlace) {
     EXPECT_TRUE(sameBits(out, {0, 0, 0, 0}));
     K()->inverseQuaternionU(out, q);
     EXPECT_TRUE(sameBits(out, {q[0], -q[1], -q[2], -q[3]}));
-    double const r = float(1.0 / float(double(q[0]) * q[0] + double(q[1]) * q[1] + double(q[2]) * q[2] +
-                                       double(q[3]) * q[3]));
+    double const r = float(
+        1.0 / float(double(q[0]) * q[0] + double(q[1]) * q[1] + double(q[2]) * q[2] + double(q[3]) * q[3]));
     float const inv[4] = {float(q[0] * r), float(-q[1] * r), float(-q[2] * r), float(-q[3] * r)};
     K()->inverseQuaternion(q, q);
     EXPECT_TRUE(sameBits(q, inv, 4));

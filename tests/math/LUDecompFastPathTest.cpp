@@ -53,7 +53,9 @@ void plainEliminate(std::vector<double> &a, std::vector<Rhs> &b, int n, Update u
     a = pc;
     b = fc;
 }
-double updateDouble(double fi, double fk, double c) { return fi - c * fk; }
+double updateDouble(double fi, double fk, double c) {
+    return fi - c * fk;
+}
 POINT3D updatePoint(const POINT3D &fi, const POINT3D &fk, double c) {
     const float x = float(double(fi.x) - c * double(fk.x));
     const float y = float(double(fi.y) - c * double(fk.y));
@@ -126,8 +128,13 @@ bool sameBytes(const std::vector<T> &got, const std::vector<T> &want) {
 // columns without pivot), 2 as 1 with special values sprinkled in.
 std::vector<double> makeSystem(std::mt19937 &rng, int n, int kind) {
     std::uniform_real_distribution<double> u(-1.0, 1.0);
-    const double specials[] = {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
-                               -std::numeric_limits<double>::infinity(), 4.9e-324, -0.0, 0.0, kPivotMin,
+    const double specials[] = {std::numeric_limits<double>::quiet_NaN(),
+                               std::numeric_limits<double>::infinity(),
+                               -std::numeric_limits<double>::infinity(),
+                               4.9e-324,
+                               -0.0,
+                               0.0,
+                               kPivotMin,
                                std::nextafter(kPivotMin, 0.0)};
     std::vector<double> a(std::size_t(n) * n);
     for (double &x : a) {
@@ -169,7 +176,8 @@ TEST(LUDecompFastPath, EliminationMatchesPlainBytes) {
                 std::vector<POINT3D> p = p0, wantP = p0;
                 LUDecomp::Triangularise_Pmatrice(pa.data(), p.data(), n);
                 plainEliminate(wantPa, wantP, n, updatePoint);
-                EXPECT_TRUE(sameBytes(pa, wantPa) && sameBytes(p, wantP)) << "points, n " << n << " kind " << kind;
+                EXPECT_TRUE(sameBytes(pa, wantPa) && sameBytes(p, wantP))
+                    << "points, n " << n << " kind " << kind;
             }
         }
     }
@@ -184,7 +192,8 @@ TEST(LUDecompFastPath, InverseMatchesPlainBytes) {
             double *got = LUDecomp::Inverse_Matrix(a.data(), n);
             ASSERT_EQ(got == nullptr, want.empty()) << "n " << n << " kind " << kind;
             if (got != nullptr) {
-                EXPECT_TRUE(sameBytes(std::vector<double>(got, got + n * n), want)) << "n " << n << " kind " << kind;
+                EXPECT_TRUE(sameBytes(std::vector<double>(got, got + n * n), want))
+                    << "n " << n << " kind " << kind;
             }
             delete[] got;
         }

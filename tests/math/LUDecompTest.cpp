@@ -57,7 +57,9 @@ bool refTriangularise(Mat &a, std::vector<Rhs> &b, int n, Update update) {
             return false;
     return true;
 }
-void updateDouble(double &bi, double bk, double c) { bi -= c * bk; }
+void updateDouble(double &bi, double bk, double c) {
+    bi -= c * bk;
+}
 void updatePoint(POINT3D &bi, const POINT3D &bk, double c) {
     bi = {float(bi.x - c * bk.x), float(bi.y - c * bk.y), float(bi.z - c * bk.z)};
 }

@@ -50,14 +50,28 @@ TEST(Vector2i, RandomOperationsWrapLikeTheModel) {
         const int a = any(rng), b = any(rng);
         const Vector2i w(a, b);
         switch (rng() % 4) {
-        case 0: v += w; mx = low32(mx + a); my = low32(my + b); break;
-        case 1: v = v - w; mx = low32(mx - a); my = low32(my - b); break;
-        case 2: v *= a; mx = low32(mx * a); my = low32(my * a); break;
+        case 0:
+            v += w;
+            mx = low32(mx + a);
+            my = low32(my + b);
+            break;
+        case 1:
+            v = v - w;
+            mx = low32(mx - a);
+            my = low32(my - b);
+            break;
+        case 2:
+            v *= a;
+            mx = low32(mx * a);
+            my = low32(my * a);
+            break;
         default:
             EXPECT_EQ(Vector2i::dot(v, w), low32(std::int64_t(low32(my * b)) + low32(mx * a)));
             EXPECT_EQ(w.norm2(),
                       low32(std::int64_t(low32(std::int64_t(a) * a)) + low32(std::int64_t(b) * b)));
-            v = w; mx = a; my = b;
+            v = w;
+            mx = a;
+            my = b;
         }
         ASSERT_EQ(v, Vector2i(int(mx), int(my))) << "step " << i;
     }

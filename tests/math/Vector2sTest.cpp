@@ -53,15 +53,33 @@ TEST(Vector2s, RandomOperationsWrapLikeTheModel) {
     for (int i = 0; i < 20000; ++i) {
         const short a = short(any(rng)), b = short(any(rng));
         switch (rng() % 5) {
-        case 0: v += Vector2s(a, b); mx = low16(mx + a); my = low16(my + b); break;
-        case 1: v -= Vector2s(a, b); mx = low16(mx - a); my = low16(my - b); break;
-        case 2: v *= a; mx = low16(mx * a); my = low16(my * a); break;
+        case 0:
+            v += Vector2s(a, b);
+            mx = low16(mx + a);
+            my = low16(my + b);
+            break;
+        case 1:
+            v -= Vector2s(a, b);
+            mx = low16(mx - a);
+            my = low16(my - b);
+            break;
+        case 2:
+            v *= a;
+            mx = low16(mx * a);
+            my = low16(my * a);
+            break;
         case 3:
-            if (a != 0) { v /= a; mx = low16(mx / a); my = low16(my / a); }
+            if (a != 0) {
+                v /= a;
+                mx = low16(mx / a);
+                my = low16(my / a);
+            }
             break;
         default:
             EXPECT_EQ(Vector2s::dot(v, Vector2s(a, b)), int(std::int32_t(std::uint32_t(my * b + mx * a))));
-            v.setValue(a, b); mx = a; my = b;
+            v.setValue(a, b);
+            mx = a;
+            my = b;
         }
         ASSERT_EQ(v, Vector2s(short(mx), short(my))) << "step " << i;
     }

@@ -41,15 +41,33 @@ TEST(Vector2ui, RandomOperationsWrapLikeTheModel) {
     for (int i = 0; i < 20000; ++i) {
         const unsigned a = unsigned(rng()), b = unsigned(rng() >> (rng() % 32));
         switch (rng() % 5) {
-        case 0: v = v + Vector2ui(a, b); mx = (mx + a) & mask; my = (my + b) & mask; break;
-        case 1: Vector2ui::sub(v, v, Vector2ui(a, b)); mx = (mx - a) & mask; my = (my - b) & mask; break;
-        case 2: v *= b; mx = (mx * b) & mask; my = (my * b) & mask; break;
+        case 0:
+            v = v + Vector2ui(a, b);
+            mx = (mx + a) & mask;
+            my = (my + b) & mask;
+            break;
+        case 1:
+            Vector2ui::sub(v, v, Vector2ui(a, b));
+            mx = (mx - a) & mask;
+            my = (my - b) & mask;
+            break;
+        case 2:
+            v *= b;
+            mx = (mx * b) & mask;
+            my = (my * b) & mask;
+            break;
         case 3:
-            if (b != 0) { v /= b; mx /= b; my /= b; }
+            if (b != 0) {
+                v /= b;
+                mx /= b;
+                my /= b;
+            }
             break;
         default:
             EXPECT_EQ(std::uint32_t(v.dot(Vector2ui(a, b))), std::uint32_t((my * b + mx * a) & mask));
-            v.setValue(a, b); mx = a; my = b;
+            v.setValue(a, b);
+            mx = a;
+            my = b;
         }
         ASSERT_EQ(v, Vector2ui(unsigned(mx), unsigned(my))) << "step " << i;
     }

@@ -9,7 +9,9 @@ void PluginKernel::multMatrices(float *const out, float const *const a, float co
     EnhancedMathFunctions::multMatrices(out, a, b);
 }
 
-int PluginKernel::products() const { return m_products; }
+int PluginKernel::products() const {
+    return m_products;
+}
 
 PluginKernel::~PluginKernel() = default;
 
@@ -17,29 +19,51 @@ PluginActivityMgr::PluginActivityMgr() = default;
 PluginActivityMgr::~PluginActivityMgr() = default;
 void PluginActivityMgr::onStart() {}
 
-PluginObject::PluginObject() { ++s_alive; }
-PluginObject::~PluginObject() { --s_alive; }
-int PluginObject::alive() { return s_alive; }
+PluginObject::PluginObject() {
+    ++s_alive;
+}
+PluginObject::~PluginObject() {
+    --s_alive;
+}
+int PluginObject::alive() {
+    return s_alive;
+}
 
 bool PluginProjector::project(Vector3f &out, const ZEFLine &line) {
     ++m_projections;
     return PlaneProjector::project(out, line);
 }
 
-int PluginProjector::projections() const { return m_projections; }
+int PluginProjector::projections() const {
+    return m_projections;
+}
 
-EnhancedMathFunctions *createPluginKernel() { return new PluginKernel; }
-ZEFActivityMgr *createPluginActivityMgr() { return new PluginActivityMgr; }
-void destroyPluginActivityMgr(ZEFActivityMgr *manager) { delete dynamic_cast<PluginActivityMgr *>(manager); }
-MultiRefObject *createPluginObject() { return new PluginObject; }
-PlaneProjector *createPluginProjector() { return new PluginProjector; }
+EnhancedMathFunctions *createPluginKernel() {
+    return new PluginKernel;
+}
+ZEFActivityMgr *createPluginActivityMgr() {
+    return new PluginActivityMgr;
+}
+void destroyPluginActivityMgr(ZEFActivityMgr *manager) {
+    delete dynamic_cast<PluginActivityMgr *>(manager);
+}
+MultiRefObject *createPluginObject() {
+    return new PluginObject;
+}
+PlaneProjector *createPluginProjector() {
+    return new PluginProjector;
+}
 
 const std::type_info &baseTypeSeenByPlugin(int which) {
     switch (which) {
-    case 0: return typeid(EnhancedMathFunctions);
-    case 1: return typeid(ZEFActivityMgr);
-    case 2: return typeid(MultiRefObject);
-    default: return typeid(PlaneProjector);
+    case 0:
+        return typeid(EnhancedMathFunctions);
+    case 1:
+        return typeid(ZEFActivityMgr);
+    case 2:
+        return typeid(MultiRefObject);
+    default:
+        return typeid(PlaneProjector);
     }
 }
 

@@ -17,7 +17,9 @@
 namespace zeftest {
 
 // Returns the current kernel.
-inline EnhancedMathFunctions const &kernel() { return *EnhancedMathFunctions::getCurrent(); }
+inline EnhancedMathFunctions const &kernel() {
+    return *EnhancedMathFunctions::getCurrent();
+}
 
 inline std::uint32_t bitsOf(float f) {
     std::uint32_t b;
@@ -32,7 +34,9 @@ inline float floatOf(std::uint32_t b) {
 }
 
 // True if a and b have the same bits: -0 differs from 0, a NaN equals its own bits.
-inline bool sameBits(float a, float b) { return bitsOf(a) == bitsOf(b); }
+inline bool sameBits(float a, float b) {
+    return bitsOf(a) == bitsOf(b);
+}
 
 // Success if got[0 .. n) has the bits of want[0 .. n); otherwise names the first difference.
 inline ::testing::AssertionResult sameBits(float const *got, float const *want, int n) {

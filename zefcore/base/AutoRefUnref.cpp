@@ -1,7 +1,6 @@
 #include "zefcore/base/AutoRefUnref.h"
 
-AutoRefUnref::AutoRefUnref(const MultiRefObject *object, e_deleteMode mode)
-    : m_object(object), m_mode(mode) {
+AutoRefUnref::AutoRefUnref(const MultiRefObject *object, e_deleteMode mode) : m_object(object), m_mode(mode) {
     if (!object)
         return;
     // The count is read before this holder's own reference is added.

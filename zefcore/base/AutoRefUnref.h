@@ -12,10 +12,10 @@ class ZEFCORE_API AutoRefUnref {
 public:
     /// What the destructor does with the reference.
     enum e_deleteMode : int {
-        e_noDelete = 0,   ///< the destructor drops the reference, never deletes
-        e_delete = 1,     ///< the destructor drops the reference with unref()
-        e_autoDelete = 2  ///< resolved at construction: e_delete if the count is
-                          // not 0 then, e_noDelete if it is exactly 0
+        e_noDelete = 0,  ///< the destructor drops the reference, never deletes
+        e_delete = 1,    ///< the destructor drops the reference with unref()
+        e_autoDelete = 2 ///< resolved at construction: e_delete if the count is
+                         // not 0 then, e_noDelete if it is exactly 0
     };
 
     /// Sets m_object and m_mode; then, on a non-null object, resolves e_autoDelete

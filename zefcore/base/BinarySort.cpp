@@ -161,7 +161,9 @@ void splitSort(const Column *columns, unsigned end, int *x, int *y, int n, bool 
 
 BinarySort::BinarySort() : m_numColumns(0), m_columns(nullptr) {}
 
-BinarySort::~BinarySort() { delete[] m_columns; }
+BinarySort::~BinarySort() {
+    delete[] m_columns;
+}
 
 void BinarySort::append(const Column *columns, unsigned int count) {
     if (count == 0 || count > UINT_MAX - m_numColumns)

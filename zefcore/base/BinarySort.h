@@ -14,7 +14,7 @@ public:
     /// One byte column: the byte of row r is data[r * stride]. data is not owned.
     struct Column {
         const unsigned char *data; ///< the byte of row 0; not owned
-        unsigned int stride; ///< bytes from one row to the next
+        unsigned int stride;       ///< bytes from one row to the next
     };
 
     /// Sets a table with no columns.

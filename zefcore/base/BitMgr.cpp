@@ -10,7 +10,9 @@ static_assert(!std::is_same<std::uint32_t, unsigned long>::value,
 namespace {
 
 // Returns byte k (0 = least significant) of w.
-inline unsigned char byteOf(std::uint32_t w, int k) { return static_cast<unsigned char>((w >> (8 * k)) & 0xFFu); }
+inline unsigned char byteOf(std::uint32_t w, int k) {
+    return static_cast<unsigned char>((w >> (8 * k)) & 0xFFu);
+}
 
 // Returns the first hit over numBytes bytes from low to high, each byte's hit
 // plus 8 per byte below it; the width when no byte has one.
@@ -44,38 +46,90 @@ int countOver(std::uint32_t w, int numBytes) {
     return count;
 }
 
-inline std::uint32_t low32(unsigned long w) { return static_cast<std::uint32_t>(w & 0xFFFFFFFFul); }
+inline std::uint32_t low32(unsigned long w) {
+    return static_cast<std::uint32_t>(w & 0xFFFFFFFFul);
+}
 
 } // namespace
 
-int BitMgr::getNumBits1(unsigned char w) { return ZEFBoolArray::getNumBitsAt1(w); }
-int BitMgr::getNumBits1(unsigned short w) { return countOver(w, 2); }
-int BitMgr::getNumBits1(std::uint32_t w) { return countOver(w, 4); }
-int BitMgr::getNumBits1(unsigned long w) { return getNumBits1(low32(w)); }
+int BitMgr::getNumBits1(unsigned char w) {
+    return ZEFBoolArray::getNumBitsAt1(w);
+}
+int BitMgr::getNumBits1(unsigned short w) {
+    return countOver(w, 2);
+}
+int BitMgr::getNumBits1(std::uint32_t w) {
+    return countOver(w, 4);
+}
+int BitMgr::getNumBits1(unsigned long w) {
+    return getNumBits1(low32(w));
+}
 
-int BitMgr::getNumBits0(unsigned char w) { return 8 - getNumBits1(w); }
-int BitMgr::getNumBits0(unsigned short w) { return 16 - getNumBits1(w); }
-int BitMgr::getNumBits0(std::uint32_t w) { return 32 - getNumBits1(w); }
-int BitMgr::getNumBits0(unsigned long w) { return getNumBits0(low32(w)); }
+int BitMgr::getNumBits0(unsigned char w) {
+    return 8 - getNumBits1(w);
+}
+int BitMgr::getNumBits0(unsigned short w) {
+    return 16 - getNumBits1(w);
+}
+int BitMgr::getNumBits0(std::uint32_t w) {
+    return 32 - getNumBits1(w);
+}
+int BitMgr::getNumBits0(unsigned long w) {
+    return getNumBits0(low32(w));
+}
 
-int BitMgr::getFirstBit1(unsigned char w) { return ZEFBoolArray::getFirstBitAt1(w); }
-int BitMgr::getFirstBit1(unsigned short w) { return firstOver(w, 2, ZEFBoolArray::getFirstBitAt1); }
-int BitMgr::getFirstBit1(std::uint32_t w) { return firstOver(w, 4, ZEFBoolArray::getFirstBitAt1); }
-int BitMgr::getFirstBit1(unsigned long w) { return getFirstBit1(low32(w)); }
+int BitMgr::getFirstBit1(unsigned char w) {
+    return ZEFBoolArray::getFirstBitAt1(w);
+}
+int BitMgr::getFirstBit1(unsigned short w) {
+    return firstOver(w, 2, ZEFBoolArray::getFirstBitAt1);
+}
+int BitMgr::getFirstBit1(std::uint32_t w) {
+    return firstOver(w, 4, ZEFBoolArray::getFirstBitAt1);
+}
+int BitMgr::getFirstBit1(unsigned long w) {
+    return getFirstBit1(low32(w));
+}
 
-int BitMgr::getFirstBit0(unsigned char w) { return ZEFBoolArray::getFirstBitAt0(w); }
-int BitMgr::getFirstBit0(unsigned short w) { return firstOver(w, 2, ZEFBoolArray::getFirstBitAt0); }
-int BitMgr::getFirstBit0(std::uint32_t w) { return firstOver(w, 4, ZEFBoolArray::getFirstBitAt0); }
-int BitMgr::getFirstBit0(unsigned long w) { return getFirstBit0(low32(w)); }
+int BitMgr::getFirstBit0(unsigned char w) {
+    return ZEFBoolArray::getFirstBitAt0(w);
+}
+int BitMgr::getFirstBit0(unsigned short w) {
+    return firstOver(w, 2, ZEFBoolArray::getFirstBitAt0);
+}
+int BitMgr::getFirstBit0(std::uint32_t w) {
+    return firstOver(w, 4, ZEFBoolArray::getFirstBitAt0);
+}
+int BitMgr::getFirstBit0(unsigned long w) {
+    return getFirstBit0(low32(w));
+}
 
-int BitMgr::getLastBit1(unsigned char w) { return ZEFBoolArray::getLastBitAt1(w); }
-int BitMgr::getLastBit1(unsigned short w) { return lastOver(w, 2, ZEFBoolArray::getLastBitAt1); }
-int BitMgr::getLastBit1(std::uint32_t w) { return lastOver(w, 4, ZEFBoolArray::getLastBitAt1); }
-int BitMgr::getLastBit1(unsigned long w) { return getLastBit1(low32(w)); }
+int BitMgr::getLastBit1(unsigned char w) {
+    return ZEFBoolArray::getLastBitAt1(w);
+}
+int BitMgr::getLastBit1(unsigned short w) {
+    return lastOver(w, 2, ZEFBoolArray::getLastBitAt1);
+}
+int BitMgr::getLastBit1(std::uint32_t w) {
+    return lastOver(w, 4, ZEFBoolArray::getLastBitAt1);
+}
+int BitMgr::getLastBit1(unsigned long w) {
+    return getLastBit1(low32(w));
+}
 
-int BitMgr::getLastBit0(unsigned char w) { return ZEFBoolArray::getLastBitAt0(w); }
-int BitMgr::getLastBit0(unsigned short w) { return lastOver(w, 2, ZEFBoolArray::getLastBitAt0); }
-int BitMgr::getLastBit0(std::uint32_t w) { return lastOver(w, 4, ZEFBoolArray::getLastBitAt0); }
-int BitMgr::getLastBit0(unsigned long w) { return getLastBit0(low32(w)); }
+int BitMgr::getLastBit0(unsigned char w) {
+    return ZEFBoolArray::getLastBitAt0(w);
+}
+int BitMgr::getLastBit0(unsigned short w) {
+    return lastOver(w, 2, ZEFBoolArray::getLastBitAt0);
+}
+int BitMgr::getLastBit0(std::uint32_t w) {
+    return lastOver(w, 4, ZEFBoolArray::getLastBitAt0);
+}
+int BitMgr::getLastBit0(unsigned long w) {
+    return getLastBit0(low32(w));
+}
 
-BitMgr::e_bitOrder BitMgr::getBitOrdering() { return e_lowBitFirst; }
+BitMgr::e_bitOrder BitMgr::getBitOrdering() {
+    return e_lowBitFirst;
+}

@@ -49,7 +49,8 @@ public:
 
     /// Returns first * firstWeight + second * secondWeight on all four channels.
     /// The weights are not normalised and the result is not clamped.
-    static Color getMixedColor(const Color &first, const Color &second, float firstWeight, float secondWeight);
+    static Color getMixedColor(const Color &first, const Color &second, float firstWeight,
+                               float secondWeight);
 
     /// Returns color with its alpha multiplied by factor.
     static Color getScaledTranspaColor(const Color &color, float factor);

@@ -7,9 +7,15 @@ constexpr int kIDCount = 0x7FFFFFFE;
 
 // Interval arithmetic wraps instead of overflowing: freeID(2147483647) can push an
 // interval's end past the int range.
-int wrapAdd(int a, int b) { return static_cast<int>(static_cast<unsigned>(a) + static_cast<unsigned>(b)); }
-int wrapSub(int a, int b) { return static_cast<int>(static_cast<unsigned>(a) - static_cast<unsigned>(b)); }
-int endOf(const IDList *node) { return wrapAdd(node->m_first, node->m_count); }
+int wrapAdd(int a, int b) {
+    return static_cast<int>(static_cast<unsigned>(a) + static_cast<unsigned>(b));
+}
+int wrapSub(int a, int b) {
+    return static_cast<int>(static_cast<unsigned>(a) - static_cast<unsigned>(b));
+}
+int endOf(const IDList *node) {
+    return wrapAdd(node->m_first, node->m_count);
+}
 
 // Returns a new chain holding a copy of the intervals from source on, or null for
 // an empty source. Frees what it built if an allocation throws.
@@ -36,11 +42,15 @@ IDList *copyChain(const IDList *source) {
 }
 } // namespace
 
-IDGenerator::IDGenerator() : m_list(nullptr) { clear(); }
+IDGenerator::IDGenerator() : m_list(nullptr) {
+    clear();
+}
 
 IDGenerator::IDGenerator(const IDGenerator &other) : m_list(copyChain(other.m_list)) {}
 
-IDGenerator::~IDGenerator() { releaseAll(); }
+IDGenerator::~IDGenerator() {
+    releaseAll();
+}
 
 const IDGenerator &IDGenerator::operator=(const IDGenerator &other) {
     if (this == &other)

@@ -13,8 +13,8 @@ class IDList {
 public:
     IDList() : m_first(0), m_count(0), m_next(nullptr) {}
 
-    int m_first; ///< the lowest free identifier of the interval
-    int m_count; ///< how many identifiers are free from m_first on
+    int m_first;    ///< the lowest free identifier of the interval
+    int m_count;    ///< how many identifiers are free from m_first on
     IDList *m_next; ///< the next interval, or null
 };
 

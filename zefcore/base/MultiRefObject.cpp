@@ -18,7 +18,9 @@ MultiRefObject &MultiRefObject::operator=(const MultiRefObject &other) {
 
 MultiRefObject::~MultiRefObject() {}
 
-void MultiRefObject::ref() const { m_refCount = addToCount(m_refCount, 1); }
+void MultiRefObject::ref() const {
+    m_refCount = addToCount(m_refCount, 1);
+}
 
 void MultiRefObject::unref() const {
     m_refCount = addToCount(m_refCount, -1);
@@ -27,7 +29,9 @@ void MultiRefObject::unref() const {
         delete this;
 }
 
-void MultiRefObject::unrefNoDelete() const { m_refCount = addToCount(m_refCount, -1); }
+void MultiRefObject::unrefNoDelete() const {
+    m_refCount = addToCount(m_refCount, -1);
+}
 
 void MultiRefObject::deleteIfNotRef() const {
     if (m_refCount == 0)

@@ -15,9 +15,13 @@ ZEFActivityMgr::~ZEFActivityMgr() {
     m_activityCounter = 0;
 }
 
-void ZEFActivityMgr::setCurrentActivityManager(ZEFActivityMgr *manager) { m_activityMgr = manager; }
+void ZEFActivityMgr::setCurrentActivityManager(ZEFActivityMgr *manager) {
+    m_activityMgr = manager;
+}
 
-bool ZEFActivityMgr::isActivityMgrListening() { return m_activityCounter > 0; }
+bool ZEFActivityMgr::isActivityMgrListening() {
+    return m_activityCounter > 0;
+}
 
 void ZEFActivityMgr::start() {}
 

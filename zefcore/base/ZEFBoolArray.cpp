@@ -41,15 +41,23 @@ constexpr ByteTable s_numBitsAt1 = makeTable(CountAt1);
 unsigned char s_emptyBlock[2] = {1, 1};
 
 // Returns the number of bytes used by n >= 0 bits.
-inline std::size_t bytesFor(long long n) { return static_cast<std::size_t>((n + 7) / 8); }
+inline std::size_t bytesFor(long long n) {
+    return static_cast<std::size_t>((n + 7) / 8);
+}
 
 // Returns the mask of the bits below bit (0 to 7) of a byte.
-inline unsigned lowMask(int bit) { return (1u << bit) - 1u; }
+inline unsigned lowMask(int bit) {
+    return (1u << bit) - 1u;
+}
 
 // Returns the mask of the spare bits of the last byte of n bits (0 if n & 7 is 0).
-inline unsigned spareMask(int n) { return (n & 7) ? (~lowMask(n & 7) & 0xFFu) : 0u; }
+inline unsigned spareMask(int n) {
+    return (n & 7) ? (~lowMask(n & 7) & 0xFFu) : 0u;
+}
 
-inline unsigned char fillByte(bool value) { return value ? 0xFF : 0x00; }
+inline unsigned char fillByte(bool value) {
+    return value ? 0xFF : 0x00;
+}
 
 // Sets the bits of byte under mask to value.
 inline void setUnder(unsigned char &byte, unsigned mask, bool value) {
@@ -198,7 +206,9 @@ void ZEFBoolArray::fillFrom(std::size_t firstByte, bool value) {
 
 // ---- construction and copying
 
-ZEFBoolArray::ZEFBoolArray() { setEmpty(); }
+ZEFBoolArray::ZEFBoolArray() {
+    setEmpty();
+}
 
 ZEFBoolArray::ZEFBoolArray(int size, bool value) {
     setEmpty();
@@ -210,7 +220,9 @@ ZEFBoolArray::ZEFBoolArray(const ZEFBoolArray &source) {
     copy(source, false);
 }
 
-ZEFBoolArray::~ZEFBoolArray() { freeData(); }
+ZEFBoolArray::~ZEFBoolArray() {
+    freeData();
+}
 
 const ZEFBoolArray ZEFBoolArray::operator=(const ZEFBoolArray &source) {
     copy(source, false);
@@ -236,7 +248,9 @@ void ZEFBoolArray::swap(ZEFBoolArray &other) {
     std::swap(m_numBits, other.m_numBits);
 }
 
-void ZEFBoolArray::clearArray() { freeData(); }
+void ZEFBoolArray::clearArray() {
+    freeData();
+}
 
 bool ZEFBoolArray::operator==(const ZEFBoolArray &other) const {
     if (m_numBits != other.m_numBits)
@@ -319,13 +333,21 @@ bool ZEFBoolArray::get(int index) const {
     return static_cast<unsigned>(index) < static_cast<unsigned>(m_numBits) && getNoSizeTest(index);
 }
 
-bool ZEFBoolArray::getNoSizeTest(int index) const { return ((m_begin[index / 8] >> (index & 7)) & 1) != 0; }
+bool ZEFBoolArray::getNoSizeTest(int index) const {
+    return ((m_begin[index / 8] >> (index & 7)) & 1) != 0;
+}
 
-int ZEFBoolArray::getAsMask(int index) const { return m_begin[index / 8] & (1 << (index & 7)); }
+int ZEFBoolArray::getAsMask(int index) const {
+    return m_begin[index / 8] & (1 << (index & 7));
+}
 
-void ZEFBoolArray::set(int index) { setUnder(m_begin[index / 8], 1u << (index & 7), true); }
+void ZEFBoolArray::set(int index) {
+    setUnder(m_begin[index / 8], 1u << (index & 7), true);
+}
 
-void ZEFBoolArray::clear(int index) { setUnder(m_begin[index / 8], 1u << (index & 7), false); }
+void ZEFBoolArray::clear(int index) {
+    setUnder(m_begin[index / 8], 1u << (index & 7), false);
+}
 
 void ZEFBoolArray::toggle(int index) {
     m_begin[index / 8] = static_cast<unsigned char>(m_begin[index / 8] ^ (1u << (index & 7)));
@@ -368,9 +390,13 @@ void ZEFBoolArray::changeRange(int index, int count, bool value) {
     fillRange(m_begin, index, static_cast<int>(end - 1), value);
 }
 
-void ZEFBoolArray::set(int index, int count) { changeRange(index, count, true); }
+void ZEFBoolArray::set(int index, int count) {
+    changeRange(index, count, true);
+}
 
-void ZEFBoolArray::clear(int index, int count) { changeRange(index, count, false); }
+void ZEFBoolArray::clear(int index, int count) {
+    changeRange(index, count, false);
+}
 
 void ZEFBoolArray::changeList(int count, const int *indexes, bool value) {
     if (count < 1)
@@ -386,18 +412,26 @@ void ZEFBoolArray::changeList(int count, const int *indexes, bool value) {
     }
 }
 
-void ZEFBoolArray::set(int count, const int *indexes) { changeList(count, indexes, true); }
+void ZEFBoolArray::set(int count, const int *indexes) {
+    changeList(count, indexes, true);
+}
 
-void ZEFBoolArray::clear(int count, const int *indexes) { changeList(count, indexes, false); }
+void ZEFBoolArray::clear(int count, const int *indexes) {
+    changeList(count, indexes, false);
+}
 
 void ZEFBoolArray::set(const ZEFArray<int> &indexes) {
     if (indexes.size() > 0)
         set(indexes.size(), indexes.begin());
 }
 
-void ZEFBoolArray::setAll() { fillBelow(m_begin, m_numBits, true); }
+void ZEFBoolArray::setAll() {
+    fillBelow(m_begin, m_numBits, true);
+}
 
-void ZEFBoolArray::clearAll() { fillBelow(m_begin, m_numBits, false); }
+void ZEFBoolArray::clearAll() {
+    fillBelow(m_begin, m_numBits, false);
+}
 
 void ZEFBoolArray::inverse() {
     const std::size_t whole = static_cast<std::size_t>(m_numBits / 8);
@@ -484,7 +518,8 @@ void ZEFBoolArray::inter(const ZEFBoolArray &other) {
     for (std::size_t i = 0; i < whole; ++i)
         m_begin[i] = static_cast<unsigned char>(m_begin[i] & other.m_begin[i]);
     if (smaller & 7)
-        m_begin[whole] = static_cast<unsigned char>(m_begin[whole] & other.m_begin[whole] & lowMask(smaller & 7));
+        m_begin[whole] =
+            static_cast<unsigned char>(m_begin[whole] & other.m_begin[whole] & lowMask(smaller & 7));
     m_numBits = smaller;
     unsigned char *after = m_begin + bytesFor(smaller);
     if (after <= m_end)
@@ -526,7 +561,9 @@ int ZEFBoolArray::getNumberOfBitSet() const {
     return count;
 }
 
-int ZEFBoolArray::getNumberOfBitCleared() const { return m_numBits - getNumberOfBitSet(); }
+int ZEFBoolArray::getNumberOfBitCleared() const {
+    return m_numBits - getNumberOfBitSet();
+}
 
 namespace {
 
@@ -538,10 +575,13 @@ namespace {
 // where the guard (1, neither 0x00 nor 0xFF) stops the loop.
 // Returns -1: out of line, so that a found bit returns on a predicted branch
 // instead of waiting for a select on the comparison.
-__attribute__((cold, noinline)) int notFound() { return -1; }
+__attribute__((cold, noinline)) int notFound() {
+    return -1;
+}
 
 template <bool value>
-ZEF_INLINE_FIND int findFrom(const unsigned char *begin, const unsigned char *end, int numBits, unsigned pos) {
+ZEF_INLINE_FIND int findFrom(const unsigned char *begin, const unsigned char *end, int numBits,
+                             unsigned pos) {
     // Bit positions stay below 2^31 + 72: 32-bit unsigned arithmetic suffices.
     const Word flip = value ? 0 : ~Word(0);
     const std::size_t at = pos >> 3;
@@ -591,7 +631,8 @@ int ZEFBoolArray::findFirst(bool value, int start) const {
     unsigned pos = static_cast<unsigned>(start);
     if (__builtin_expect(start < 0, 0)) // a branch: the common case does not wait for a select
         pos = 0;
-    return value ? findFrom<true>(m_begin, m_end, m_numBits, pos) : findFrom<false>(m_begin, m_end, m_numBits, pos);
+    return value ? findFrom<true>(m_begin, m_end, m_numBits, pos)
+                 : findFrom<false>(m_begin, m_end, m_numBits, pos);
 }
 
 int ZEFBoolArray::findLast(bool value, int start) const {
@@ -663,14 +704,26 @@ void ZEFBoolArray::erase(int index) {
 
 // ---- byte functions
 
-int ZEFBoolArray::getNumBitsAt1(unsigned char b) { return s_numBitsAt1.entry[b]; }
+int ZEFBoolArray::getNumBitsAt1(unsigned char b) {
+    return s_numBitsAt1.entry[b];
+}
 
-int ZEFBoolArray::getNumBitsAt0(unsigned char b) { return 8 - s_numBitsAt1.entry[b]; }
+int ZEFBoolArray::getNumBitsAt0(unsigned char b) {
+    return 8 - s_numBitsAt1.entry[b];
+}
 
-int ZEFBoolArray::getFirstBitAt0(unsigned char b) { return s_firstBitAt0.entry[b]; }
+int ZEFBoolArray::getFirstBitAt0(unsigned char b) {
+    return s_firstBitAt0.entry[b];
+}
 
-int ZEFBoolArray::getFirstBitAt1(unsigned char b) { return s_firstBitAt1.entry[b]; }
+int ZEFBoolArray::getFirstBitAt1(unsigned char b) {
+    return s_firstBitAt1.entry[b];
+}
 
-int ZEFBoolArray::getLastBitAt0(unsigned char b) { return s_lastBitAt0.entry[b]; }
+int ZEFBoolArray::getLastBitAt0(unsigned char b) {
+    return s_lastBitAt0.entry[b];
+}
 
-int ZEFBoolArray::getLastBitAt1(unsigned char b) { return s_lastBitAt1.entry[b]; }
+int ZEFBoolArray::getLastBitAt1(unsigned char b) {
+    return s_lastBitAt1.entry[b];
+}

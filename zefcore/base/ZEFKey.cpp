@@ -8,6 +8,10 @@ ZEFKey::ZEFKey(const ZEFKey &other) : m_key(other.m_key) {}
 
 ZEFKey::~ZEFKey() {}
 
-int ZEFKey::getKey() const { return m_key; }
+int ZEFKey::getKey() const {
+    return m_key;
+}
 
-void ZEFKey::setKey(int key) { m_key = key; }
+void ZEFKey::setKey(int key) {
+    m_key = key;
+}

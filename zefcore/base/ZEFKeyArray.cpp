@@ -4,7 +4,9 @@ ZEFKeyArray::ZEFKeyArray() {}
 
 ZEFKeyArray::ZEFKeyArray(const ZEFKeyArray &) {}
 
-ZEFKeyArray::~ZEFKeyArray() { deletePtrArray(m_keys); }
+ZEFKeyArray::~ZEFKeyArray() {
+    deletePtrArray(m_keys);
+}
 
 const ZEFKeyArray &ZEFKeyArray::operator=(const ZEFKeyArray &other) {
     m_keys = other.m_keys;
@@ -22,7 +24,9 @@ void ZEFKeyArray::clear() {
     m_keyIndexes.clear();
 }
 
-int ZEFKeyArray::getNumKeys() const { return m_keys.size(); }
+int ZEFKeyArray::getNumKeys() const {
+    return m_keys.size();
+}
 
 ZEFKey *ZEFKeyArray::getKey(int index) const {
     if (index < 0 || index >= m_keys.size())
@@ -30,7 +34,9 @@ ZEFKey *ZEFKeyArray::getKey(int index) const {
     return m_keys[static_cast<size_t>(index)];
 }
 
-ZEFKey *ZEFKeyArray::findKey(int key) const { return getKey(getKeyIndex(key)); }
+ZEFKey *ZEFKeyArray::findKey(int key) const {
+    return getKey(getKeyIndex(key));
+}
 
 int ZEFKeyArray::getKeyIndex(int key) const {
     if (key < 0 || key >= m_keyIndexes.size())

@@ -8,12 +8,22 @@ ZEFOSVersion::ZEFOSVersion() = default;
 
 ZEFOSVersion::~ZEFOSVersion() = default;
 
-void ZEFOSVersion::init(eZEFOSVersion version) { m_osVersion = version; }
+void ZEFOSVersion::init(eZEFOSVersion version) {
+    m_osVersion = version;
+}
 
-ZEFOSVersion::eZEFOSVersion ZEFOSVersion::getOSVersion() { return m_osVersion; }
+ZEFOSVersion::eZEFOSVersion ZEFOSVersion::getOSVersion() {
+    return m_osVersion;
+}
 
-bool ZEFOSVersion::isOSX() { return m_osVersion == eZEFOSX; }
+bool ZEFOSVersion::isOSX() {
+    return m_osVersion == eZEFOSX;
+}
 
-bool ZEFOSVersion::isOSXJaguar() { return m_osVersion == eZEFOSXJaguar; }
+bool ZEFOSVersion::isOSXJaguar() {
+    return m_osVersion == eZEFOSXJaguar;
+}
 
-bool ZEFOSVersion::isOSXPanther() { return m_osVersion == eZEFOSXPanther; }
+bool ZEFOSVersion::isOSXPanther() {
+    return m_osVersion == eZEFOSXPanther;
+}

@@ -18,14 +18,18 @@ void releaseChain(s_ZEFPtrDListElement *element) {
 }
 } // namespace
 
-ZEFPtrDList::ZEFPtrDList() { init(); }
+ZEFPtrDList::ZEFPtrDList() {
+    init();
+}
 
 ZEFPtrDList::ZEFPtrDList(const ZEFPtrDList &other) {
     init();
     copy(other);
 }
 
-ZEFPtrDList::~ZEFPtrDList() { removeAll(false); }
+ZEFPtrDList::~ZEFPtrDList() {
+    removeAll(false);
+}
 
 ZEFPtrDList &ZEFPtrDList::operator=(const ZEFPtrDList &other) {
     if (this != &other)
@@ -119,11 +123,17 @@ bool ZEFPtrDList::insert(void *data, int position) {
     return true;
 }
 
-void *ZEFPtrDList::getFirstData() { return m_first ? m_first->m_data : nullptr; }
+void *ZEFPtrDList::getFirstData() {
+    return m_first ? m_first->m_data : nullptr;
+}
 
-void *ZEFPtrDList::getLastData() { return m_last ? m_last->m_data : nullptr; }
+void *ZEFPtrDList::getLastData() {
+    return m_last ? m_last->m_data : nullptr;
+}
 
-void *ZEFPtrDList::getCurrentData() { return m_current ? m_current->m_data : nullptr; }
+void *ZEFPtrDList::getCurrentData() {
+    return m_current ? m_current->m_data : nullptr;
+}
 
 void *ZEFPtrDList::getData(int position) {
     s_ZEFPtrDListElement *element = getElement(position);
@@ -134,11 +144,17 @@ s_ZEFPtrDListElement *ZEFPtrDList::getElement(int position) {
     return goToPosition(position) ? m_current : nullptr;
 }
 
-int ZEFPtrDList::size() { return m_numElements; }
+int ZEFPtrDList::size() {
+    return m_numElements;
+}
 
-bool ZEFPtrDList::isEmpty() { return m_numElements == 0; }
+bool ZEFPtrDList::isEmpty() {
+    return m_numElements == 0;
+}
 
-int ZEFPtrDList::getCurrentPosition() { return m_currentPosition; }
+int ZEFPtrDList::getCurrentPosition() {
+    return m_currentPosition;
+}
 
 bool ZEFPtrDList::goToStart() {
     if (!m_first)

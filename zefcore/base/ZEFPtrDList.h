@@ -10,9 +10,9 @@
 
 /// One link of a ZEFPtrDList. The list owns its links.
 struct s_ZEFPtrDListElement {
-    void *m_data;                  ///< the stored pointer, not owned
-    s_ZEFPtrDListElement *m_prev;  ///< null at the first element
-    s_ZEFPtrDListElement *m_next;  ///< null at the last element
+    void *m_data;                 ///< the stored pointer, not owned
+    s_ZEFPtrDListElement *m_prev; ///< null at the first element
+    s_ZEFPtrDListElement *m_next; ///< null at the last element
 };
 
 /// A doubly linked list of untyped pointers with a built-in cursor.

@@ -38,4 +38,6 @@ ZEFString::ZEFString(const char *first, const char *last)
 
 ZEFString::~ZEFString() = default;
 
-bool ZEFString::isNull() const { return this == &m_null; }
+bool ZEFString::isNull() const {
+    return this == &m_null;
+}

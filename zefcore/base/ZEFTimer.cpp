@@ -44,7 +44,9 @@ double ZEFTimer::getElapsedTime() {
     return double(ticks) * s_secondsPerTick;
 }
 
-void ZEFTimer::reset() { m_resetTime = getElapsedTime(); }
+void ZEFTimer::reset() {
+    m_resetTime = getElapsedTime();
+}
 
 void ZEFTimer::reset(const wchar_t *name) {
     m_name = name;
@@ -55,7 +57,9 @@ void ZEFTimer::reset(const wchar_t *name) {
     m_labels.reserve(kReservedMarks);
 }
 
-double ZEFTimer::getElapsedTimeFromReset() const { return getElapsedTime() - m_resetTime; }
+double ZEFTimer::getElapsedTimeFromReset() const {
+    return getElapsedTime() - m_resetTime;
+}
 
 void ZEFTimer::pushTime(const wchar_t *label) {
     const double now = getElapsedTime();

@@ -98,8 +98,8 @@ float BoundingBoxAlgo::BBox3DDistance2(const BoundingBox &box, const MatAff4f &m
     return float((double(nearest[0]) + nearest[1]) + nearest[2]);
 }
 
-float BoundingBoxAlgo::QuadDistance2(const Vector3f &a, const Vector3f &b, const Vector3f &c, const Vector3f &d,
-                                     const MatAff4f &matrix, const Vector3f &p) {
+float BoundingBoxAlgo::QuadDistance2(const Vector3f &a, const Vector3f &b, const Vector3f &c,
+                                     const Vector3f &d, const MatAff4f &matrix, const Vector3f &p) {
     const Vector3f *points[4] = {&a, &b, &c, &d};
     float best = 0.0f;
     for (int i = 0; i < 4; ++i) {
@@ -174,8 +174,8 @@ bool BoundingBoxAlgo::BBox3DIntersectBBox2D(const BoundingBox &box, const Boundi
 }
 
 bool BoundingBoxAlgo::QuadIntersectBBox2D(const Vector3f &a, const Vector3f &b, const Vector3f &c,
-                                          const Vector3f &d, const BoundingBox2D &rect, const Matrix4f &matrix,
-                                          float depthLimit, bool &clearedFlag) {
+                                          const Vector3f &d, const BoundingBox2D &rect,
+                                          const Matrix4f &matrix, float depthLimit, bool &clearedFlag) {
     clearedFlag = false;
     const Vector3f *points[4] = {&a, &b, &c, &d};
     Sides sides;

@@ -59,11 +59,12 @@ public:
     /// side of its border, answer at once, before further projections. Otherwise the
     /// rectangle of the merged projection is intersected with rect; all corners behind
     /// give false.
-    static bool BBox3DIntersectBBox2D(const BoundingBox &box, const BoundingBox2D &rect, const Matrix4f &matrix,
-                                      float depthLimit, bool &clearedFlag, bool &entirelyInside);
+    static bool BBox3DIntersectBBox2D(const BoundingBox &box, const BoundingBox2D &rect,
+                                      const Matrix4f &matrix, float depthLimit, bool &clearedFlag,
+                                      bool &entirelyInside);
     /// As BBox3DIntersectBBox2D with a small rect, whatever its width, on the points
     /// a, b, c, d in this order. Sets clearedFlag = false.
-    static bool QuadIntersectBBox2D(const Vector3f &a, const Vector3f &b, const Vector3f &c, const Vector3f &d,
-                                    const BoundingBox2D &rect, const Matrix4f &matrix, float depthLimit,
-                                    bool &clearedFlag);
+    static bool QuadIntersectBBox2D(const Vector3f &a, const Vector3f &b, const Vector3f &c,
+                                    const Vector3f &d, const BoundingBox2D &rect, const Matrix4f &matrix,
+                                    float depthLimit, bool &clearedFlag);
 };

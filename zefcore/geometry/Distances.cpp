@@ -52,7 +52,9 @@ float lineLineDistance(const ZEFLine &a, const ZEFLine &b, float *ta, float *tb)
 
 } // namespace
 
-float distancePointPoint(const Vector3f &a, const Vector3f &b) { return (a - b).norm(); }
+float distancePointPoint(const Vector3f &a, const Vector3f &b) {
+    return (a - b).norm();
+}
 
 float distancePointLine(const Vector3f &p, const ZEFLine &line, Vector3f &foot) {
     float t;
@@ -92,7 +94,9 @@ float distancePointPlane(const Vector3f &p, const Plane &plane) {
     return float(std::fabs(double(np) + plane.m_d) / length);
 }
 
-float distanceLineLine(const ZEFLine &a, const ZEFLine &b) { return lineLineDistance(a, b, nullptr, nullptr); }
+float distanceLineLine(const ZEFLine &a, const ZEFLine &b) {
+    return lineLineDistance(a, b, nullptr, nullptr);
+}
 
 float distanceLineLine(const ZEFLine &a, const ZEFLine &b, float &ta, float &tb) {
     return lineLineDistance(a, b, &ta, &tb);
@@ -260,9 +264,8 @@ void spherisePoint(Vector3f &out, const Vector3f &p, float radius) {
 
 void spherisePoint(Vector3f &out, const Vector3f &p, float radius, float exponent) {
     const double e = exponent;
-    const float n = float(std::pow(std::pow(double(p.x()), e) + std::pow(double(p.y()), e) +
-                                       std::pow(double(p.z()), e),
-                                   1.0 / e));
+    const float n = float(std::pow(
+        std::pow(double(p.x()), e) + std::pow(double(p.y()), e) + std::pow(double(p.z()), e), 1.0 / e));
     const float factor = float(double(radius) / n);
     out = p * factor;
 }

@@ -54,8 +54,7 @@ ZEFCORE_API float distanceLineLine(const ZEFLine &a, const ZEFLine &b, float &ta
 /// the result and t are those of distancePointLine(end, line, t).
 /// Degenerate: a segment of length exactly 0 gives s = 0 and the distance of m_start from
 /// the line (as two parallel lines); nothing is divided by zero.
-ZEFCORE_API float distanceLineSegment(const ZEFLine &line, const ZEFSegment &segment, float &t,
-                                      float &s);
+ZEFCORE_API float distanceLineSegment(const ZEFLine &line, const ZEFSegment &segment, float &t, float &s);
 
 /// Returns the distance from p to the segment and sets nearest. With e = m_end - m_start:
 /// e.(p - m_start) < 0.0001 gives m_start, else -(e.(p - m_end)) < 0.0001 gives m_end
@@ -110,8 +109,8 @@ ZEFCORE_API e_geomInfo projectionOrtho(Vector3f &out, const Vector3f &p, const P
 ZEFCORE_API void normal3Pts(Vector3f &out, const Vector3f &a, const Vector3f &b, const Vector3f &c,
                             bool normalizeEdges, bool normalizeResult);
 /// As above with a = points[i], b = points[j], c = points[k]; no bound test.
-ZEFCORE_API void normal3Pts(Vector3f &out, const Vector3f *points, int i, int j, int k,
-                            bool normalizeEdges, bool normalizeResult);
+ZEFCORE_API void normal3Pts(Vector3f &out, const Vector3f *points, int i, int j, int k, bool normalizeEdges,
+                            bool normalizeResult);
 /// Sets out = p * (radius / |p|), the factor rounded to float.
 /// Degenerate: p = 0 gives non-finite coordinates.
 ZEFCORE_API void spherisePoint(Vector3f &out, const Vector3f &p, float radius);

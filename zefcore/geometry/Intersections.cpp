@@ -279,9 +279,10 @@ bool interLineBoundingBox(float &tIn, float &tOut, int &faceX, int &faceY, int &
     return !(std::fabs(double(in) - out) < double(kGeomBoxCrossingTolerance));
 }
 
-void interLineViewingVolume(Vector3f &pointIn, Vector3f &pointOut, float &tIn, float &tOut, const ZEFLine &line,
-                            const Plane &plane1, const Plane &plane2, const Plane &plane3, const Plane &plane4,
-                            const Plane &plane5, const Plane &plane6) {
+void interLineViewingVolume(Vector3f &pointIn, Vector3f &pointOut, float &tIn, float &tOut,
+                            const ZEFLine &line, const Plane &plane1, const Plane &plane2,
+                            const Plane &plane3, const Plane &plane4, const Plane &plane5,
+                            const Plane &plane6) {
     const Plane *planes[6] = {&plane1, &plane2, &plane3, &plane4, &plane5, &plane6};
     Slab slabs[3];
     for (int i = 0; i < 3; ++i) {

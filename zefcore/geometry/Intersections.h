@@ -26,8 +26,7 @@ ZEFCORE_API e_geomInfo interLineLine(Vector3f &point, float &ta, float &tb, cons
 /// Returns e_geomPoint with point = o1 + d1 ta, using x and y only (the lines are trusted
 /// to be coplanar). Degenerate: |d1.x d2.y - d2.x d1.y| <= 0.0001 (double bound):
 /// e_geomParallel. Unchanged on failure: point, ta.
-ZEFCORE_API e_geomInfo interTwoCoplanarLines(Vector3f &point, float &ta, const ZEFLine &a,
-                                             const ZEFLine &b);
+ZEFCORE_API e_geomInfo interTwoCoplanarLines(Vector3f &point, float &ta, const ZEFLine &a, const ZEFLine &b);
 /// Returns e_geomPoint with t = -(n.o + k) / (n.d) and point = o + d t, if |n.d| > 0.0001
 /// (double bound; NaN counts as crossing). Otherwise e_geomInPlane if |n.o + k| <= 0.0001,
 /// else e_geomParallel. Unchanged on failure: point, t.

@@ -29,10 +29,18 @@ e_geomInfo limitToRange(e_geomInfo info, float out, float low, float high) {
     return (low <= out && out <= high) ? e_geomPoint : e_geomNone;
 }
 
-float xOf(const Vector3f &v) { return v.x(); }
-float yOf(const Vector3f &v) { return v.y(); }
-float xOf(const Vector2f &v) { return v.x(); }
-float yOf(const Vector2f &v) { return v.y(); }
+float xOf(const Vector3f &v) {
+    return v.x();
+}
+float yOf(const Vector3f &v) {
+    return v.y();
+}
+float xOf(const Vector2f &v) {
+    return v.x();
+}
+float yOf(const Vector2f &v) {
+    return v.y();
+}
 
 // Even-odd count over count vertices; vertexAt(i) gives vertex i of the ring.
 template <class VertexAt>
@@ -50,9 +58,8 @@ bool evenOddInside(const float *p, long count, VertexAt vertexAt) {
         // One half-open comparison at both ends: a vertex at p.x counts as left of the
         // ray at both of its edges, so it is counted once; a vertical edge never counts.
         if ((prevX <= px) != (curX <= px)) {
-            const float y = static_cast<float>((double(curY) - prevY) * (double(px) - prevX) /
-                                                   (double(curX) - prevX) +
-                                               prevY);
+            const float y = static_cast<float>(
+                (double(curY) - prevY) * (double(px) - prevX) / (double(curX) - prevX) + prevY);
             if (py <= y)
                 ++crossings;
         }
@@ -71,14 +78,12 @@ bool pointInRing(const float *p, const V *first, const V *last) {
 template <class V>
 bool pointInIndexedRing(const float *p, const V *vertices, const int *first, const int *last) {
     const long count = (first != nullptr && last != nullptr) ? static_cast<long>(last - first) : 0;
-    return evenOddInside(p, count,
-                         [vertices, first](long i) -> const V & { return vertices[first[i]]; });
+    return evenOddInside(p, count, [vertices, first](long i) -> const V & { return vertices[first[i]]; });
 }
 
 } // namespace
 
-float distance2PointSegment2D(float &t, Vector2f &nearest, const float *a, const float *b,
-                              const float *p) {
+float distance2PointSegment2D(float &t, Vector2f &nearest, const float *a, const float *b, const float *p) {
     const float abx = static_cast<float>(double(b[0]) - a[0]);
     const float aby = static_cast<float>(double(b[1]) - a[1]);
     const float apx = static_cast<float>(double(p[0]) - a[0]);
@@ -124,8 +129,8 @@ e_geomInfo inter2dLineLine(float *point, float &t1, float &t2, const float *p1, 
     return e_geomPoint;
 }
 
-e_geomInfo inter2dSegmentSegment(float *point, float &t1, float &t2, const float *p1,
-                                 const float *d1, const float *p2, const float *d2) {
+e_geomInfo inter2dSegmentSegment(float *point, float &t1, float &t2, const float *p1, const float *d1,
+                                 const float *p2, const float *d2) {
     const e_geomInfo info = inter2dLineLine(point, t1, t2, p1, d1, p2, d2);
     if (info != e_geomPoint)
         return info;
@@ -167,20 +172,20 @@ e_geomInfo inter2dSegmentHorizontalLine(const float *a, const float *b, float va
     return interSegmentAxisLine(a[1], b[1], a[0], b[0], value, out);
 }
 
-e_geomInfo inter2dSegmentVerticalSegment(const float *a, const float *b, float value, float low,
-                                         float high, float &out) {
+e_geomInfo inter2dSegmentVerticalSegment(const float *a, const float *b, float value, float low, float high,
+                                         float &out) {
     const e_geomInfo info = interSegmentAxisLine(a[0], b[0], a[1], b[1], value, out);
     return limitToRange(info, out, low, high);
 }
 
-e_geomInfo inter2dSegmentHorizontalSegment(const float *a, const float *b, float value, float low,
-                                           float high, float &out) {
+e_geomInfo inter2dSegmentHorizontalSegment(const float *a, const float *b, float value, float low, float high,
+                                           float &out) {
     const e_geomInfo info = interSegmentAxisLine(a[1], b[1], a[0], b[0], value, out);
     return limitToRange(info, out, low, high);
 }
 
-e_geomInfo inter2dSegmentBBox(const float *a, const float *b, const BoundingBox &box,
-                              bool &aInside, bool &bInside) {
+e_geomInfo inter2dSegmentBBox(const float *a, const float *b, const BoundingBox &box, bool &aInside,
+                              bool &bInside) {
     const float minX = box.m_min.x();
     const float minY = box.m_min.y();
     const float maxX = box.m_max.x();
@@ -190,8 +195,8 @@ e_geomInfo inter2dSegmentBBox(const float *a, const float *b, const BoundingBox 
     if (aInside != bInside)
         return e_geomPoint;
 
-    if ((a[0] < minX && b[0] < minX) || (a[0] > maxX && b[0] > maxX) ||
-        (a[1] < minY && b[1] < minY) || (a[1] > maxY && b[1] > maxY))
+    if ((a[0] < minX && b[0] < minX) || (a[0] > maxX && b[0] > maxX) || (a[1] < minY && b[1] < minY) ||
+        (a[1] > maxY && b[1] > maxY))
         return e_geomNone;
 
     float out = 0.0f;
@@ -211,12 +216,10 @@ bool pointIn2DPolygon(const float *p, const Vector2f *first, const Vector2f *las
     return pointInRing(p, first, last);
 }
 
-bool pointIn2DPolygon(const float *p, const Vector3f *vertices, const int *first,
-                      const int *last) {
+bool pointIn2DPolygon(const float *p, const Vector3f *vertices, const int *first, const int *last) {
     return pointInIndexedRing(p, vertices, first, last);
 }
 
-bool pointIn2DPolygon(const float *p, const Vector2f *vertices, const int *first,
-                      const int *last) {
+bool pointIn2DPolygon(const float *p, const Vector2f *vertices, const int *first, const int *last) {
     return pointInIndexedRing(p, vertices, first, last);
 }

@@ -15,4 +15,6 @@ bool PlaneProjector::project(Vector3f &out, const ZEFLine &line) {
     return interLinePlane(out, t, line, m_plane) == e_geomPoint;
 }
 
-void PlaneProjector::setPlane(const Plane &plane) { m_plane = plane; }
+void PlaneProjector::setPlane(const Plane &plane) {
+    m_plane = plane;
+}

@@ -9,7 +9,9 @@
 EnhancedMathFunctions *EnhancedMathFunctions::m_current = EnhancedMathFunctions::initDefaultMathFunctions();
 unsigned char *EnhancedMathFunctions::m_invSqrtTable = EnhancedMathFunctions::initInvSqrtTable();
 
-EnhancedMathFunctions::EnhancedMathFunctions() { initInvSqrtTable(); }
+EnhancedMathFunctions::EnhancedMathFunctions() {
+    initInvSqrtTable();
+}
 
 EnhancedMathFunctions::~EnhancedMathFunctions() = default;
 
@@ -35,7 +37,9 @@ void EnhancedMathFunctions::setDefault() const {
 
 void EnhancedMathFunctions::ref() {}
 
-void EnhancedMathFunctions::unref() { delete this; }
+void EnhancedMathFunctions::unref() {
+    delete this;
+}
 
 float *EnhancedMathFunctions::getMat4fCopy(float const *const m) const {
     float *copy = new float[16];

@@ -41,9 +41,7 @@ public:
     /// Returns the current kernel, creating the default one if there is none.
     /// Never null. Each kernel call of the library asks anew; after library load
     /// this is one test and one read of a static.
-    static EnhancedMathFunctions *getCurrent() {
-        return m_current ? m_current : initDefaultMathFunctions();
-    }
+    static EnhancedMathFunctions *getCurrent() { return m_current ? m_current : initDefaultMathFunctions(); }
 
     /// Sets this object as the current kernel: ref() on this, then unref() on the
     /// previous one (which, for the base class, destroys it). The current kernel
@@ -200,11 +198,9 @@ public:
     /// *out = a . b, rounded after every term. out must not alias an operand
     virtual void dotQuaternions(float *out, float const *const a, float const *const b) const;
     /// Spherical interpolation from a (t = 0) to b (t = 1). out may alias: a, b
-    virtual void quaternionSLERP(float *const out, float const *const a, float const *const b,
-                                 float t) const;
+    virtual void quaternionSLERP(float *const out, float const *const a, float const *const b, float t) const;
     /// Linear interpolation from a (t = 0) to b (t = 1). out may alias: a, b
-    virtual void quaternionLERP(float *const out, float const *const a, float const *const b,
-                                float t) const;
+    virtual void quaternionLERP(float *const out, float const *const a, float const *const b, float t) const;
     /// out = the rotation by angle about the unit axis (not normalised here).
     /// out must not alias an operand
     virtual void axisToQuaternion(float *const out, float const *const axis, float angle) const;

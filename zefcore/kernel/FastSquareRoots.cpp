@@ -30,8 +30,7 @@ float seedOf(unsigned char const *table, float x) {
     std::uint32_t const i = (b >> 17) & 0x7Fu;
     // 0x17C - e >= 0x17C - 0xFF > 0: no wrap. The mask drops the bit that
     // would hold the parity of the halved exponent; the index carries it.
-    std::uint32_t const seed =
-        (((0x17Cu - e) << 22) & 0xFF800000u) | (std::uint32_t(table[i]) << 15);
+    std::uint32_t const seed = (((0x17Cu - e) << 22) & 0xFF800000u) | (std::uint32_t(table[i]) << 15);
     return floatOf(seed);
 }
 

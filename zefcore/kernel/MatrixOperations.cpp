@@ -191,7 +191,9 @@ ZEFWIDE_INLINE bool invertRows(float *const out, float const *const m) {
     return true;
 }
 #if ZEFWIDE_X86
-ZEFWIDE_AVX2 bool invertRowsAvx2(float *const out, float const *const m) { return invertRows(out, m); }
+ZEFWIDE_AVX2 bool invertRowsAvx2(float *const out, float const *const m) {
+    return invertRows(out, m);
+}
 #endif
 
 } // namespace

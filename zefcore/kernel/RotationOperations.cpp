@@ -60,13 +60,15 @@ void EnhancedMathFunctions::multRightByRotate(float *const out, float const *con
 
 // ---- quaternion arithmetic ----------------------------------------------------
 
-void EnhancedMathFunctions::addQuaternions(float *const out, float const *const a, float const *const b) const {
+void EnhancedMathFunctions::addQuaternions(float *const out, float const *const a,
+                                           float const *const b) const {
     // Element k reads only a[k] and b[k]: safe in place.
     for (int k = 0; k < 4; ++k)
         out[k] = float(double(a[k]) + b[k]);
 }
 
-void EnhancedMathFunctions::subQuaternions(float *const out, float const *const a, float const *const b) const {
+void EnhancedMathFunctions::subQuaternions(float *const out, float const *const a,
+                                           float const *const b) const {
     for (int k = 0; k < 4; ++k)
         out[k] = float(double(a[k]) - b[k]);
 }
@@ -91,12 +93,15 @@ ZEFWIDE_INLINE void hamilton(float *const out, float const *const a, float const
     zefwide::store4(out, zefwide::narrow(((t0 + t1) + t2) - t3));
 }
 #if ZEFWIDE_X86
-ZEFWIDE_AVX2 void hamiltonAvx2(float *const out, float const *const a, float const *const b) { hamilton(out, a, b); }
+ZEFWIDE_AVX2 void hamiltonAvx2(float *const out, float const *const a, float const *const b) {
+    hamilton(out, a, b);
+}
 #endif
 
 } // namespace
 
-void EnhancedMathFunctions::multQuaternions(float *const out, float const *const a, float const *const b) const {
+void EnhancedMathFunctions::multQuaternions(float *const out, float const *const a,
+                                            float const *const b) const {
 #if ZEFWIDE_X86
     if (zefwide::hasAvx2) {
         hamiltonAvx2(out, a, b);
@@ -106,7 +111,8 @@ void EnhancedMathFunctions::multQuaternions(float *const out, float const *const
     hamilton(out, a, b);
 }
 
-void EnhancedMathFunctions::divQuaternionsU(float *const out, float const *const a, float const *const b) const {
+void EnhancedMathFunctions::divQuaternionsU(float *const out, float const *const a,
+                                            float const *const b) const {
     // The product by the conjugate of b, written out; negation is exact.
     double const a0 = a[0], a1 = a[1], a2 = a[2], a3 = a[3];
     double const b0 = b[0], b1 = -double(b[1]), b2 = -double(b[2]), b3 = -double(b[3]);
@@ -124,7 +130,8 @@ void EnhancedMathFunctions::conjugateQuaternion(float *const out, float const *c
 }
 
 void EnhancedMathFunctions::inverseQuaternion(float *const out, float const *const q) const {
-    float const n = float(double(q[0]) * q[0] + double(q[1]) * q[1] + double(q[2]) * q[2] + double(q[3]) * q[3]);
+    float const n =
+        float(double(q[0]) * q[0] + double(q[1]) * q[1] + double(q[2]) * q[2] + double(q[3]) * q[3]);
     // Exact zero test: no tolerance here.
     if (n == 0.0f) {
         for (int k = 0; k < 4; ++k)
@@ -145,7 +152,8 @@ void EnhancedMathFunctions::applyQuatOn(float *const out, float const *const q, 
     // v is copied first so that out may be v.
     float const vx[3] = {v[0], v[1], v[2]};
     float const *const u = q + 1;
-    float const a = float(double(q[0]) * q[0] - double(q[1]) * q[1] - double(q[2]) * q[2] - double(q[3]) * q[3]);
+    float const a =
+        float(double(q[0]) * q[0] - double(q[1]) * q[1] - double(q[2]) * q[2] - double(q[3]) * q[3]);
     float const e = float(2.0 * (double(q[1]) * vx[0] + double(q[2]) * vx[1] + double(q[3]) * vx[2]));
     float const g = float(2.0 * double(q[0]));
     float c[3];

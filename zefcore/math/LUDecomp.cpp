@@ -21,7 +21,9 @@ constexpr double kSolveDiagonalMin = 0.0001;
 constexpr double kInversePivotMin = 0.000001;
 
 // Returns the flat index of row, col in a matrix of n columns, without int overflow.
-inline std::ptrdiff_t at(int row, int col, int n) { return std::ptrdiff_t(row) * n + col; }
+inline std::ptrdiff_t at(int row, int col, int n) {
+    return std::ptrdiff_t(row) * n + col;
+}
 
 // Returns buffer resized by realloc to count elements. Throws std::bad_alloc, the
 // buffer left valid and untouched, if the size overflows or realloc fails.
@@ -45,10 +47,16 @@ std::size_t twoMatrixPlanes(int n) {
 }
 
 // The right-hand side rules of the elimination, by element type.
-void swapRhs(double *f, int k, int r, int n) { LUDecomp::Permut_lignes(f, n, 1, k, r, 0); }
-void swapRhs(POINT3D *f, int k, int r, int) { LUDecomp::Permut_POINT3D(f, k, r); }
+void swapRhs(double *f, int k, int r, int n) {
+    LUDecomp::Permut_lignes(f, n, 1, k, r, 0);
+}
+void swapRhs(POINT3D *f, int k, int r, int) {
+    LUDecomp::Permut_POINT3D(f, k, r);
+}
 
-double eliminatedRhs(double fi, double fk, double c) { return fi - c * fk; }
+double eliminatedRhs(double fi, double fk, double c) {
+    return fi - c * fk;
+}
 POINT3D eliminatedRhs(const POINT3D &fi, const POINT3D &fk, double c) {
     // Each component is rounded to float where it is stored.
     const float x = float(double(fi.x) - c * double(fk.x));
@@ -209,7 +217,7 @@ void eliminate(double *planes, Rhs *rhs, double *a, Rhs *b, int n) {
 // for j in [jBegin, jEnd), k outside that range: the update of those columns by
 // column k, done row by row. Vector width is chosen at load.
 ZEF_VECTOR_CLONES void subtractColumnMultiples(double *m, int n, int k, const double *q, int jBegin,
-                                                int jEnd) {
+                                               int jEnd) {
     const std::ptrdiff_t len = jEnd - jBegin;
     for (int i = 0; i < n; ++i) {
         double *row = m + at(i, 0, n);

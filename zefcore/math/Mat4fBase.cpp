@@ -54,7 +54,9 @@ void Mat4fBase::setValue(float a0, float a1, float a2, float a3, float a4, float
     m_value[15] = a15;
 }
 
-void Mat4fBase::getCopy(float *out) const { EnhancedMathFunctions::getCurrent()->copyMat4fTo(out, m_value); }
+void Mat4fBase::getCopy(float *out) const {
+    EnhancedMathFunctions::getCurrent()->copyMat4fTo(out, m_value);
+}
 
 bool Mat4fBase::equals(const Mat4fBase &other, float tolerance) const {
     for (int i = 0; i < 16; ++i) {

@@ -31,8 +31,7 @@ public:
     /// Sets the sixteen elements in storage order: a0..a3 are column 0, a12..a14
     /// the translation.
     constexpr Mat4fBase(float a0, float a1, float a2, float a3, float a4, float a5, float a6, float a7,
-                        float a8, float a9, float a10, float a11, float a12, float a13, float a14,
-                        float a15)
+                        float a8, float a9, float a10, float a11, float a12, float a13, float a14, float a15)
         : m_value{a0, a1, a2, a3, a4, a5, a6, a7, a8, a9, a10, a11, a12, a13, a14, a15} {}
     /// Sets this object to a copy of m; returns it.
     Mat4fBase &operator=(const Mat4fBase &m) = default;

@@ -16,7 +16,9 @@ struct Copy16 {
 
 } // namespace
 
-Matrix4f::Matrix4f() : Mat4fBase() { EnhancedMathFunctions::getCurrent()->setIdentity(m_value); }
+Matrix4f::Matrix4f() : Mat4fBase() {
+    EnhancedMathFunctions::getCurrent()->setIdentity(m_value);
+}
 
 Matrix4f::Matrix4f(int init) : Mat4fBase() {
     // Any other value keeps the identity the base constructor gave.
@@ -38,9 +40,13 @@ void Matrix4f::setValue(const Mat4fBase &m) {
     EnhancedMathFunctions::getCurrent()->copyMat4fTo(m_value, m.getValue());
 }
 
-void Matrix4f::setZero() { EnhancedMathFunctions::getCurrent()->setZero(m_value); }
+void Matrix4f::setZero() {
+    EnhancedMathFunctions::getCurrent()->setZero(m_value);
+}
 
-void Matrix4f::setIdentity() { EnhancedMathFunctions::getCurrent()->setIdentity(m_value); }
+void Matrix4f::setIdentity() {
+    EnhancedMathFunctions::getCurrent()->setIdentity(m_value);
+}
 
 void Matrix4f::multLeftBy(const Mat4fBase &m) {
     Copy16 const copy(m_value);

@@ -3,7 +3,9 @@
 namespace {
 
 // x if x > 0, else -x: the float absolute value of the tolerant tests.
-inline float absFloat(float x) { return x > 0.0f ? x : -x; }
+inline float absFloat(float x) {
+    return x > 0.0f ? x : -x;
+}
 
 } // namespace
 
@@ -13,7 +15,9 @@ bool isZero(float x) {
     return double(ax) <= ZEF_DEFAULT_TOLERANCE;
 }
 
-bool isZero(float x, float eps) { return absFloat(x) <= eps; }
+bool isZero(float x, float eps) {
+    return absFloat(x) <= eps;
+}
 
 bool areEqual(float a, float b) {
     const float d = float(double(a) - b);

@@ -145,7 +145,9 @@ public:
     ///@}
     /// Returns v.y*x - y*v.x, rounded once: the z of the cross product in space,
     /// positive if v lies counter-clockwise of this.
-    float cross(const Vector2f &v) const { return float(double(v.m_v[1]) * m_v[0] - double(m_v[1]) * v.m_v[0]); }
+    float cross(const Vector2f &v) const {
+        return float(double(v.m_v[1]) * m_v[0] - double(m_v[1]) * v.m_v[0]);
+    }
     /// Returns y*y + x*x. Precision: summed in double, rounded once.
     float norm2() const { return dot(*this, *this); }
     /// Returns the length. Precision: the square is rounded to float, then its root.

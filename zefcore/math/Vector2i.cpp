@@ -14,7 +14,9 @@ const Vector2i Vector2i::m_zero(0, 0);
 namespace {
 
 // The bits of an int as unsigned: all wrapping arithmetic goes through these.
-inline std::uint32_t bits(int v) { return std::uint32_t(v); }
+inline std::uint32_t bits(int v) {
+    return std::uint32_t(v);
+}
 
 } // namespace
 
@@ -37,7 +39,9 @@ int Vector2i::dot(const Vector2i &a, const Vector2i &b) {
     return wrapToInt32(bits(a.m_v[1]) * bits(b.m_v[1]) + bits(a.m_v[0]) * bits(b.m_v[0]));
 }
 
-int Vector2i::norm2() const { return wrapToInt32(bits(m_v[0]) * bits(m_v[0]) + bits(m_v[1]) * bits(m_v[1])); }
+int Vector2i::norm2() const {
+    return wrapToInt32(bits(m_v[0]) * bits(m_v[0]) + bits(m_v[1]) * bits(m_v[1]));
+}
 
 float Vector2i::norm() const {
     const int n2 = norm2();

@@ -116,8 +116,9 @@ public:
     /// Returns the square root of norm2() read as a signed int, rounded to float.
     /// Degenerate: not a number where the 32-bit sum reads as negative.
     float norm() const;
-    /// Sets each element to element / norm(), truncated towards zero (INT_MIN where the quotient is not a number or does not fit).
-    /// Returns the norm. Degenerate: a norm of 0 leaves this unchanged and returns 0.
+    /// Sets each element to element / norm(), truncated towards zero (INT_MIN where the quotient is not a
+    /// number or does not fit). Returns the norm. Degenerate: a norm of 0 leaves this unchanged and returns
+    /// 0.
     float normalize();
     /// Sets each element to element / m, truncated towards zero, with m = norm() / k
     /// rounded to float. Returns m. Degenerate: a norm of 0 leaves this unchanged and returns 0.

@@ -15,7 +15,9 @@ const Vector2s Vector2s::m_zero(0, 0);
 namespace {
 
 // The 32-bit pattern of a short widened with its sign: all wrapping arithmetic goes through these.
-inline std::uint32_t bits(short v) { return std::uint32_t(int(v)); }
+inline std::uint32_t bits(short v) {
+    return std::uint32_t(int(v));
+}
 
 } // namespace
 
@@ -48,7 +50,9 @@ int Vector2s::dot(const Vector2s &a, const Vector2s &b) {
     return wrapToInt32(bits(a.m_v[1]) * bits(b.m_v[1]) + bits(a.m_v[0]) * bits(b.m_v[0]));
 }
 
-int Vector2s::norm2() const { return wrapToInt32(bits(m_v[0]) * bits(m_v[0]) + bits(m_v[1]) * bits(m_v[1])); }
+int Vector2s::norm2() const {
+    return wrapToInt32(bits(m_v[0]) * bits(m_v[0]) + bits(m_v[1]) * bits(m_v[1]));
+}
 
 float Vector2s::norm() const {
     const int n2 = norm2();

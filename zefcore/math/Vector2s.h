@@ -70,8 +70,8 @@ public:
     static void sub(Vector2s &out, const Vector2s &a, const Vector2s &b);
     /// Sets out = v * s.
     static void mult(Vector2s &out, const Vector2s &v, short s);
-    /// Sets out = v / s, each element and s widened to 32 bits, the quotient truncated towards zero, its low 16 bits stored.
-    /// Unchanged on failure: out is not touched if s == 0.
+    /// Sets out = v / s, each element and s widened to 32 bits, the quotient truncated towards zero, its low
+    /// 16 bits stored. Unchanged on failure: out is not touched if s == 0.
     static void div(Vector2s &out, const Vector2s &v, short s);
 
     /// Returns this + v, as add.
@@ -130,8 +130,9 @@ public:
     /// Returns the square root of norm2() read as a signed int, rounded to float.
     /// Degenerate: not a number where the 32-bit sum reads as negative.
     float norm() const;
-    /// Sets each element to element / norm(), truncated towards zero as a 32-bit int (INT_MIN where not a number or out of range), of which the low 16 bits are stored.
-    /// Returns the norm. Degenerate: a norm of 0 leaves this unchanged and returns 0.
+    /// Sets each element to element / norm(), truncated towards zero as a 32-bit int (INT_MIN where not a
+    /// number or out of range), of which the low 16 bits are stored. Returns the norm. Degenerate: a norm of
+    /// 0 leaves this unchanged and returns 0.
     float normalize();
     /// Sets each element to element / m, truncated towards zero, with m = norm() / k
     /// rounded to float. Returns m. Degenerate: a norm of 0 leaves this unchanged and returns 0.

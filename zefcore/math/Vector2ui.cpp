@@ -38,7 +38,9 @@ int Vector2ui::dot(const Vector2ui &a, const Vector2ui &b) {
     return wrapToInt32(a.m_v[1] * b.m_v[1] + a.m_v[0] * b.m_v[0]);
 }
 
-int Vector2ui::norm2() const { return wrapToInt32(m_v[0] * m_v[0] + m_v[1] * m_v[1]); }
+int Vector2ui::norm2() const {
+    return wrapToInt32(m_v[0] * m_v[0] + m_v[1] * m_v[1]);
+}
 
 float Vector2ui::norm() const {
     // A sum of 2^31 or more reads as negative here: its root is not a number.

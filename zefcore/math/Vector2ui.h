@@ -120,7 +120,8 @@ public:
 
     // ---- products and norms -----------------------------------------------
     ///@{
-    /// Returns a.y*b.y + a.x*b.x in 32-bit arithmetic, wrapping (the bits read as int, which can be negative).
+    /// Returns a.y*b.y + a.x*b.x in 32-bit arithmetic, wrapping (the bits read as int, which can be
+    /// negative).
     static int dot(const Vector2ui &a, const Vector2ui &b);
     int dot(const Vector2ui &v) const { return dot(*this, v); }
     ///@}
@@ -129,8 +130,9 @@ public:
     /// Returns the square root of norm2() read as a signed int, rounded to float.
     /// Degenerate: not a number where the 32-bit sum reads as negative.
     float norm() const;
-    /// Sets each element to element / norm(), truncated towards zero as a 64-bit integer, of which the low 32 bits are stored (0 where the quotient is not a number or out of range).
-    /// Returns the norm. Degenerate: a norm of 0 leaves this unchanged and returns 0.
+    /// Sets each element to element / norm(), truncated towards zero as a 64-bit integer, of which the low 32
+    /// bits are stored (0 where the quotient is not a number or out of range). Returns the norm. Degenerate:
+    /// a norm of 0 leaves this unchanged and returns 0.
     float normalize();
     /// Sets each element to element / m, truncated towards zero, with m = norm() / k
     /// rounded to float. Returns m. Degenerate: a norm of 0 leaves this unchanged and returns 0.

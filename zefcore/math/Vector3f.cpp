@@ -9,8 +9,14 @@ const Vector3f Vector3f::m_axis[6] = {
     Vector3f(-1.0f, 0.0f, 0.0f), Vector3f(0.0f, -1.0f, 0.0f), Vector3f(0.0f, 0.0f, -1.0f),
 };
 
-bool isZero(const Vector3f &v) { return isZero(v.x()) && isZero(v.y()) && isZero(v.z()); }
+bool isZero(const Vector3f &v) {
+    return isZero(v.x()) && isZero(v.y()) && isZero(v.z());
+}
 
-bool isZero(const Vector3f &v, float eps) { return isZero(v.x(), eps) && isZero(v.y(), eps) && isZero(v.z(), eps); }
+bool isZero(const Vector3f &v, float eps) {
+    return isZero(v.x(), eps) && isZero(v.y(), eps) && isZero(v.z(), eps);
+}
 
-bool areEqual(const Vector3f &a, const Vector3f &b) { return isZero(a - b); }
+bool areEqual(const Vector3f &a, const Vector3f &b) {
+    return isZero(a - b);
+}

@@ -358,7 +358,9 @@ static_assert(!std::is_polymorphic<Vector3f>::value, "Vector3f has no virtual op
 static_assert(std::is_trivially_copyable<Vector3f>::value, "Vector3f copies as bytes");
 
 /// Returns v * s.
-inline Vector3f operator*(float s, const Vector3f &v) { return v * s; }
+inline Vector3f operator*(float s, const Vector3f &v) {
+    return v * s;
+}
 /// Returns -v.
 inline Vector3f operator-(const Vector3f &v) {
     Vector3f r;

@@ -155,8 +155,9 @@ public:
     // ---- products and norms -----------------------------------------------
     /// Returns ((a.y*b.y + a.x*b.x) + a.z*b.z) + a.w*b.w. Precision: summed in double, rounded once.
     static float dot(const Vector4f &a, const Vector4f &b) {
-        return float(((double(a.m_v[1]) * b.m_v[1] + double(a.m_v[0]) * b.m_v[0]) + double(a.m_v[2]) * b.m_v[2]) +
-                     double(a.m_v[3]) * b.m_v[3]);
+        return float(
+            ((double(a.m_v[1]) * b.m_v[1] + double(a.m_v[0]) * b.m_v[0]) + double(a.m_v[2]) * b.m_v[2]) +
+            double(a.m_v[3]) * b.m_v[3]);
     }
     /// Returns ((y*y + x*x) + z*z) + w*w. Precision: summed in double, rounded once.
     float norm2() const { return dot(*this, *this); }

@@ -6,8 +6,8 @@
 
 #if defined(_WIN32)
 
-#  define WIN32_LEAN_AND_MEAN
-#  include <windows.h>
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
 
 bool zefQueryTickRate(std::int64_t &ticksPerSecond) {
     LARGE_INTEGER rate;
@@ -27,7 +27,7 @@ bool zefQueryTickCount(std::int64_t &ticks) {
 
 #else
 
-#  include <time.h>
+#include <time.h>
 
 namespace {
 constexpr std::int64_t kNanosecondsPerSecond = 1000000000;

@@ -47,13 +47,19 @@ ZEFWIDE_INLINE Float4 load4(const float *p) {
 }
 
 // Sets the four floats at p (any alignment) to v.
-ZEFWIDE_INLINE void store4(float *p, Float4 v) { std::memcpy(p, &v, sizeof v); }
+ZEFWIDE_INLINE void store4(float *p, Float4 v) {
+    std::memcpy(p, &v, sizeof v);
+}
 
 // Returns v widened to double, exactly.
-ZEFWIDE_INLINE Double4 widen(Float4 v) { return __builtin_convertvector(v, Double4); }
+ZEFWIDE_INLINE Double4 widen(Float4 v) {
+    return __builtin_convertvector(v, Double4);
+}
 
 // Returns v rounded to float, lane by lane as a scalar conversion rounds.
-ZEFWIDE_INLINE Float4 narrow(Double4 v) { return __builtin_convertvector(v, Float4); }
+ZEFWIDE_INLINE Float4 narrow(Double4 v) {
+    return __builtin_convertvector(v, Float4);
+}
 
 // Returns the vector whose lane k is lane ik of v (indices are constants).
 #if defined(__clang__)
@@ -69,7 +75,9 @@ ZEFWIDE_INLINE Double4 select(Long4 mask, Double4 a, Double4 b) {
 
 // Returns all ones in the lanes where v is not zero (either sign), zero in the
 // others; a NaN lane is not zero.
-ZEFWIDE_INLINE Long4 nonZero(Double4 v) { return (Long4)(v != Double4{0.0, 0.0, 0.0, 0.0}); }
+ZEFWIDE_INLINE Long4 nonZero(Double4 v) {
+    return (Long4)(v != Double4{0.0, 0.0, 0.0, 0.0});
+}
 
 // Returns all ones in every lane if c, zero otherwise.
 ZEFWIDE_INLINE Long4 everyLane(bool c) {
