@@ -93,8 +93,20 @@ ZEFWIDE_INLINE void hamilton(float *const out, float const *const a, float const
     zefwide::store4(out, zefwide::narrow(((t0 + t1) + t2) - t3));
 }
 #if ZEFWIDE_X86
+// The same products and sums with AVX2 instructions, operands in the same order.
 ZEFWIDE_AVX2 void hamiltonAvx2(float *const out, float const *const a, float const *const b) {
-    hamilton(out, a, b);
+    const __m256d A = _mm256_cvtps_pd(_mm_loadu_ps(a));
+    const __m256d B = _mm256_cvtps_pd(_mm_loadu_ps(b));
+    const __m256d firstNegated = _mm256_setr_pd(-1.0, 1.0, 1.0, 1.0);
+    // Lane orders as in hamilton: A(1,1,2,3) B(1,0,0,0); A(2,2,3,1) B(2,3,1,2); A(3,3,1,2) B(3,2,3,1).
+    const __m256d t0 = _mm256_mul_pd(_mm256_permute4x64_pd(A, 0x00), B);
+    const __m256d t1 =
+        _mm256_mul_pd(_mm256_permute_pd(A, 0xB), _mm256_mul_pd(_mm256_permute4x64_pd(B, 0x01), firstNegated));
+    const __m256d t2 =
+        _mm256_mul_pd(_mm256_permute4x64_pd(A, 0x7A), _mm256_mul_pd(_mm256_permute4x64_pd(B, 0x9E), firstNegated));
+    const __m256d t3 = _mm256_mul_pd(_mm256_permute4x64_pd(A, 0x9F), _mm256_permute4x64_pd(B, 0x7B));
+    const __m256d sum = _mm256_sub_pd(_mm256_add_pd(_mm256_add_pd(t0, t1), t2), t3);
+    _mm_storeu_ps(out, _mm256_cvtpd_ps(sum));
 }
 #endif
 

@@ -69,10 +69,3 @@ bool Mat4fBase::equals(const Mat4fBase &other, float tolerance) const {
     return true;
 }
 
-void Mat4fBase::multRightVec3f(Vector3f &out, const Vector3f &in) const {
-    EnhancedMathFunctions::getCurrent()->multMatrixVec3f(out.getValue(), m_value, in.getValue());
-}
-
-void Mat4fBase::multRightVec4f(Vector4f &out, const Vector4f &in) const {
-    EnhancedMathFunctions::getCurrent()->multMatrixVec4f(out.getValue(), m_value, in.getValue());
-}

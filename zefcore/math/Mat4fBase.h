@@ -9,6 +9,7 @@
 #include <type_traits>
 
 #include "zefcore/ZEFExport.h"
+#include "zefcore/kernel/EnhancedMathFunctions.h"
 #include "zefcore/math/Vector3f.h"
 #include "zefcore/math/Vector4f.h"
 
@@ -83,6 +84,17 @@ public:
 protected:
     float m_value[16]; ///< the sixteen elements, column after column: row r, column c at 4*c + r
 };
+
+// Defined here, so that an application's call reaches the kernel's virtual
+// operation directly; no arithmetic is compiled into the caller.
+
+inline void Mat4fBase::multRightVec3f(Vector3f &out, const Vector3f &in) const {
+    EnhancedMathFunctions::getCurrent()->multMatrixVec3f(out.getValue(), m_value, in.getValue());
+}
+
+inline void Mat4fBase::multRightVec4f(Vector4f &out, const Vector4f &in) const {
+    EnhancedMathFunctions::getCurrent()->multMatrixVec4f(out.getValue(), m_value, in.getValue());
+}
 
 static_assert(sizeof(Mat4fBase) == 16 * sizeof(float), "Mat4fBase is sixteen floats");
 static_assert(std::is_standard_layout<Mat4fBase>::value, "Mat4fBase has standard layout");

@@ -16,10 +16,6 @@ struct Copy16 {
 
 } // namespace
 
-Matrix4f::Matrix4f() : Mat4fBase() {
-    EnhancedMathFunctions::getCurrent()->setIdentity(m_value);
-}
-
 Matrix4f::Matrix4f(int init) : Mat4fBase() {
     // Any other value keeps the identity the base constructor gave.
     if (init == 1)
@@ -46,30 +42,6 @@ void Matrix4f::setZero() {
 
 void Matrix4f::setIdentity() {
     EnhancedMathFunctions::getCurrent()->setIdentity(m_value);
-}
-
-void Matrix4f::multLeftBy(const Mat4fBase &m) {
-    Copy16 const copy(m_value);
-    // m as this object is read from the copy too: the result must not be an operand.
-    const float *left = (m.getValue() == m_value) ? copy.v : m.getValue();
-    EnhancedMathFunctions::getCurrent()->multMatrices(m_value, left, copy.v);
-}
-
-void Matrix4f::multRightBy(const Mat4fBase &m) {
-    Copy16 const copy(m_value);
-    const float *right = (m.getValue() == m_value) ? copy.v : m.getValue();
-    EnhancedMathFunctions::getCurrent()->multMatrices(m_value, copy.v, right);
-}
-
-Matrix4f &Matrix4f::operator*=(const Mat4fBase &m) {
-    multRightBy(m);
-    return *this;
-}
-
-const Matrix4f &Matrix4f::inverse(bool &ok) {
-    Copy16 const copy(m_value);
-    ok = EnhancedMathFunctions::getCurrent()->inverseMatrix(m_value, copy.v);
-    return *this;
 }
 
 const Matrix4f &Matrix4f::transpose() {
@@ -141,20 +113,9 @@ Matrix4f operator-(const Mat4fBase &a, const Mat4fBase &b) {
     return result;
 }
 
-Matrix4f operator*(const Mat4fBase &a, const Mat4fBase &b) {
-    Matrix4f result;
-    EnhancedMathFunctions::getCurrent()->multMatrices(result.getValue(), a.getValue(), b.getValue());
-    return result;
-}
-
 Matrix4f operator*(float s, const Mat4fBase &m) {
     Matrix4f result;
     EnhancedMathFunctions::getCurrent()->multMatrixScalar(result.getValue(), m.getValue(), s);
     return result;
 }
 
-Vector3f operator*(const Mat4fBase &m, const Vector3f &v) {
-    Vector3f result;
-    EnhancedMathFunctions::getCurrent()->multMatrixVec3f(result.getValue(), m.getValue(), v.getValue());
-    return result;
-}

@@ -5,9 +5,11 @@
 /// kernel operation. Plain value: sixteen floats, no destructor of its own.
 #pragma once
 
+#include <cstring>
 #include <type_traits>
 
 #include "zefcore/ZEFExport.h"
+#include "zefcore/kernel/EnhancedMathFunctions.h"
 #include "zefcore/math/Mat4fBase.h"
 #include "zefcore/math/Vector3f.h"
 
@@ -79,11 +81,60 @@ ZEFCORE_API Matrix4f operator+(const Mat4fBase &a, const Mat4fBase &b);
 /// Returns the element-wise a - b.
 ZEFCORE_API Matrix4f operator-(const Mat4fBase &a, const Mat4fBase &b);
 /// Returns the product a * b: b acts first.
-ZEFCORE_API Matrix4f operator*(const Mat4fBase &a, const Mat4fBase &b);
+Matrix4f operator*(const Mat4fBase &a, const Mat4fBase &b);
 /// Returns all sixteen elements of m times s.
 ZEFCORE_API Matrix4f operator*(float s, const Mat4fBase &m);
 /// Returns the point m * v with the homogeneous divide; (0, 0, 0) when w is exactly 0.
-ZEFCORE_API Vector3f operator*(const Mat4fBase &m, const Vector3f &v);
+Vector3f operator*(const Mat4fBase &m, const Vector3f &v);
+
+// The products, the inverse and the default constructor are defined here, so
+// that an application's call reaches the kernel's virtual operation directly.
+// They only pick operands and call the kernel: no arithmetic is compiled into
+// the caller. The in-place operations hand the kernel a copy of this object's
+// sixteen floats: multMatrices and inverseMatrix are never given an operand
+// that is also their result.
+
+inline Matrix4f::Matrix4f() : Mat4fBase() {
+    EnhancedMathFunctions::getCurrent()->setIdentity(m_value);
+}
+
+inline void Matrix4f::multLeftBy(const Mat4fBase &m) {
+    float copy[16];
+    std::memcpy(copy, m_value, sizeof copy);
+    const float *left = (m.getValue() == m_value) ? copy : m.getValue();
+    EnhancedMathFunctions::getCurrent()->multMatrices(m_value, left, copy);
+}
+
+inline void Matrix4f::multRightBy(const Mat4fBase &m) {
+    float copy[16];
+    std::memcpy(copy, m_value, sizeof copy);
+    const float *right = (m.getValue() == m_value) ? copy : m.getValue();
+    EnhancedMathFunctions::getCurrent()->multMatrices(m_value, copy, right);
+}
+
+inline Matrix4f &Matrix4f::operator*=(const Mat4fBase &m) {
+    multRightBy(m);
+    return *this;
+}
+
+inline const Matrix4f &Matrix4f::inverse(bool &ok) {
+    float copy[16];
+    std::memcpy(copy, m_value, sizeof copy);
+    ok = EnhancedMathFunctions::getCurrent()->inverseMatrix(m_value, copy);
+    return *this;
+}
+
+inline Matrix4f operator*(const Mat4fBase &a, const Mat4fBase &b) {
+    Matrix4f result;
+    EnhancedMathFunctions::getCurrent()->multMatrices(result.getValue(), a.getValue(), b.getValue());
+    return result;
+}
+
+inline Vector3f operator*(const Mat4fBase &m, const Vector3f &v) {
+    Vector3f result;
+    EnhancedMathFunctions::getCurrent()->multMatrixVec3f(result.getValue(), m.getValue(), v.getValue());
+    return result;
+}
 
 static_assert(sizeof(Matrix4f) == 16 * sizeof(float), "Matrix4f is sixteen floats");
 static_assert(std::is_standard_layout<Matrix4f>::value, "Matrix4f has standard layout");

@@ -59,11 +59,6 @@ void Quaternion::getValue(float &x, float &y, float &z) const {
     z = angles[2];
 }
 
-void Quaternion::getValue(MatRot4f &m) const {
-    EnhancedMathFunctions::getCurrent()->quaternionToMatrix(m.getValue(), m_value);
-    EnhancedMathFunctions::getCurrent()->copyVec3fTo(m.getValue() + 12, Vector3f::m_zero.getValue());
-}
-
 float Quaternion::norm() const {
     float const s = float(double(m_value[0]) * m_value[0] + double(m_value[1]) * m_value[1] +
                           double(m_value[2]) * m_value[2] + double(m_value[3]) * m_value[3]);
@@ -84,28 +79,10 @@ float Quaternion::dot(const Quaternion &q) const {
     return result;
 }
 
-void Quaternion::multLeftBy(const Quaternion &q) {
-    Copy4 const copy(m_value);
-    const float *left = (&q == this) ? copy.v : q.m_value;
-    EnhancedMathFunctions::getCurrent()->multQuaternions(m_value, left, copy.v);
-}
-
-void Quaternion::multRightBy(const Quaternion &q) {
-    Copy4 const copy(m_value);
-    const float *right = (&q == this) ? copy.v : q.m_value;
-    EnhancedMathFunctions::getCurrent()->multQuaternions(m_value, copy.v, right);
-}
-
 void Quaternion::div(const Quaternion &q) {
     Copy4 const copy(m_value);
     const float *right = (&q == this) ? copy.v : q.m_value;
     EnhancedMathFunctions::getCurrent()->divQuaternionsU(m_value, copy.v, right);
-}
-
-Quaternion Quaternion::operator*(const Quaternion &q) const {
-    Quaternion result;
-    EnhancedMathFunctions::getCurrent()->multQuaternions(result.m_value, m_value, q.m_value);
-    return result;
 }
 
 Quaternion Quaternion::operator/(const Quaternion &q) const {
@@ -124,11 +101,6 @@ Quaternion Quaternion::operator-(const Quaternion &q) const {
     Quaternion result;
     EnhancedMathFunctions::getCurrent()->subQuaternions(result.m_value, m_value, q.m_value);
     return result;
-}
-
-Quaternion &Quaternion::operator*=(const Quaternion &q) {
-    multRightBy(q);
-    return *this;
 }
 
 Quaternion &Quaternion::operator/=(const Quaternion &q) {

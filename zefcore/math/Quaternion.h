@@ -6,12 +6,13 @@
 /// kernel call; only norm and normalize are computed here.
 #pragma once
 
+#include <cstring>
 #include <type_traits>
 
 #include "zefcore/ZEFExport.h"
+#include "zefcore/kernel/EnhancedMathFunctions.h"
+#include "zefcore/math/MatRot4f.h"
 #include "zefcore/math/Vector3f.h"
-
-class MatRot4f;
 
 /// A rotation as four floats (w, x, y, z), the scalar part first.
 class ZEFCORE_API Quaternion {
@@ -91,6 +92,43 @@ public:
 private:
     float m_value[4];
 };
+
+// The products and the conversion to a matrix are defined here, so that an
+// application's call reaches the kernel's virtual operation directly. They only
+// pick operands and call the kernel: no arithmetic is compiled into the caller.
+// The in-place products hand the kernel a copy of this object's four floats, so
+// that a kernel (or an application's override) never writes an operand it reads.
+
+inline void Quaternion::getValue(MatRot4f &m) const {
+    EnhancedMathFunctions *const kernel = EnhancedMathFunctions::getCurrent();
+    kernel->quaternionToMatrix(m.getValue(), m_value);
+    kernel->copyVec3fTo(m.getValue() + 12, Vector3f::m_zero.getValue());
+}
+
+inline void Quaternion::multLeftBy(const Quaternion &q) {
+    float copy[4];
+    std::memcpy(copy, m_value, sizeof copy);
+    const float *left = (&q == this) ? copy : q.m_value;
+    EnhancedMathFunctions::getCurrent()->multQuaternions(m_value, left, copy);
+}
+
+inline void Quaternion::multRightBy(const Quaternion &q) {
+    float copy[4];
+    std::memcpy(copy, m_value, sizeof copy);
+    const float *right = (&q == this) ? copy : q.m_value;
+    EnhancedMathFunctions::getCurrent()->multQuaternions(m_value, copy, right);
+}
+
+inline Quaternion Quaternion::operator*(const Quaternion &q) const {
+    Quaternion result;
+    EnhancedMathFunctions::getCurrent()->multQuaternions(result.m_value, m_value, q.m_value);
+    return result;
+}
+
+inline Quaternion &Quaternion::operator*=(const Quaternion &q) {
+    multRightBy(q);
+    return *this;
+}
 
 static_assert(sizeof(Quaternion) == 4 * sizeof(float), "Quaternion is four floats");
 static_assert(std::is_standard_layout<Quaternion>::value, "Quaternion has standard layout");

@@ -6,6 +6,7 @@
 // is ever compiled with two instruction sets under one name.
 #pragma once
 
+#include <cstdlib>
 #include <cstring>
 
 #if defined(__x86_64__) || defined(__i386__)
@@ -30,10 +31,13 @@ typedef long long Long4 __attribute__((vector_size(32)));
 #define ZEFWIDE_AVX2 __attribute__((target("avx2"), noinline))
 
 // True on a processor with AVX2, from library load on; false before, which only
-// selects the baseline path: both give the same bits.
-// Only on x86, where the AVX2 functions exist.
+// selects the baseline path: both give the same bits. Also false when the
+// environment variable ZEFCORE_KERNEL_BASELINE is set as the library loads: the
+// tests run both paths that way. Only on x86, where the AVX2 functions exist.
 #if ZEFWIDE_X86
 static const bool hasAvx2 = [] {
+    if (std::getenv("ZEFCORE_KERNEL_BASELINE") != nullptr)
+        return false;
     __builtin_cpu_init();
     return __builtin_cpu_supports("avx2") != 0;
 }();
@@ -59,6 +63,16 @@ ZEFWIDE_INLINE Double4 widen(Float4 v) {
 // Returns v rounded to float, lane by lane as a scalar conversion rounds.
 ZEFWIDE_INLINE Float4 narrow(Double4 v) {
     return __builtin_convertvector(v, Float4);
+}
+
+// Sets p[0..2] (any alignment) to lanes 0..2 of v; p[3] is not touched.
+ZEFWIDE_INLINE void store3(float *p, Float4 v) {
+#if ZEFWIDE_X86
+    _mm_storel_pi(reinterpret_cast<__m64 *>(p), (__m128)v);
+    _mm_store_ss(p + 2, _mm_movehl_ps((__m128)v, (__m128)v));
+#else
+    std::memcpy(p, &v, 3 * sizeof(float));
+#endif
 }
 
 // Returns the vector whose lane k is lane ik of v (indices are constants).
