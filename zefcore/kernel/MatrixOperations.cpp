@@ -107,10 +107,9 @@ ZEFWIDE_AVX2 void transformPointAvx2(float *const out, float const *const m, flo
 
 using zefwide::Long4;
 
-// Exchanges the rows a and b (left and right parts together) if c, without a
-// branch.
-ZEFWIDE_INLINE void exchangeIf(bool c, Double4 &la, Double4 &ha, Double4 &lb, Double4 &hb) {
-    const Long4 k = zefwide::everyLane(c);
+// Exchanges the rows a and b (left and right parts together) where the mask k
+// is all ones (it is the same in every lane), without a branch.
+ZEFWIDE_INLINE void exchangeIf(Long4 k, Double4 &la, Double4 &ha, Double4 &lb, Double4 &hb) {
     const Double4 la0 = la, ha0 = ha;
     la = zefwide::select(k, lb, la0);
     ha = zefwide::select(k, hb, ha0);
@@ -143,9 +142,23 @@ ZEFWIDE_INLINE bool invertRows(float *const out, float const *const m) {
     Double4 h3 = {0.0, 0.0, 0.0, 1.0};
 
     // Column 0: strict comparisons, from the bottom up; zero tests are exact.
-    exchangeIf(std::fabs(l3[0]) > std::fabs(l2[0]), l3, h3, l2, h2);
-    exchangeIf(std::fabs(l2[0]) > std::fabs(l1[0]), l2, h2, l1, h1);
-    exchangeIf(std::fabs(l1[0]) > std::fabs(l0[0]), l1, h1, l0, h0);
+    // Each comparison is |lower row| > |upper row| in the column, the lower row
+    // being the one the previous exchange left there: the decisions are taken
+    // on the column's magnitudes, carried as the exchanges carry the rows, in
+    // every lane at once, and the rows exchanged after.
+    {
+        const Double4 c0 = zefwide::magnitude(ZEFWIDE_PERMUTE(l0, 0, 0, 0, 0));
+        const Double4 c1 = zefwide::magnitude(ZEFWIDE_PERMUTE(l1, 0, 0, 0, 0));
+        const Double4 c2 = zefwide::magnitude(ZEFWIDE_PERMUTE(l2, 0, 0, 0, 0));
+        const Double4 c3 = zefwide::magnitude(ZEFWIDE_PERMUTE(l3, 0, 0, 0, 0));
+        const Long4 s32 = zefwide::greater(c3, c2);
+        const Double4 k2 = zefwide::select(s32, c3, c2);
+        const Long4 s21 = zefwide::greater(k2, c1);
+        const Long4 s10 = zefwide::greater(zefwide::select(s21, k2, c1), c0);
+        exchangeIf(s32, l3, h3, l2, h2);
+        exchangeIf(s21, l2, h2, l1, h1);
+        exchangeIf(s10, l1, h1, l0, h0);
+    }
     if (l0[0] == 0.0)
         return false;
     {
@@ -162,8 +175,15 @@ ZEFWIDE_INLINE bool invertRows(float *const out, float const *const m) {
     }
 
     // Column 1.
-    exchangeIf(std::fabs(l3[1]) > std::fabs(l2[1]), l3, h3, l2, h2);
-    exchangeIf(std::fabs(l2[1]) > std::fabs(l1[1]), l2, h2, l1, h1);
+    {
+        const Double4 c1 = zefwide::magnitude(ZEFWIDE_PERMUTE(l1, 1, 1, 1, 1));
+        const Double4 c2 = zefwide::magnitude(ZEFWIDE_PERMUTE(l2, 1, 1, 1, 1));
+        const Double4 c3 = zefwide::magnitude(ZEFWIDE_PERMUTE(l3, 1, 1, 1, 1));
+        const Long4 s32 = zefwide::greater(c3, c2);
+        const Long4 s21 = zefwide::greater(zefwide::select(s32, c3, c2), c1);
+        exchangeIf(s32, l3, h3, l2, h2);
+        exchangeIf(s21, l2, h2, l1, h1);
+    }
     if (l1[1] == 0.0)
         return false;
     {
@@ -177,7 +197,9 @@ ZEFWIDE_INLINE bool invertRows(float *const out, float const *const m) {
     }
 
     // Column 2: the last right-hand update has no test on zero.
-    exchangeIf(std::fabs(l3[2]) > std::fabs(l2[2]), l3, h3, l2, h2);
+    exchangeIf(zefwide::greater(zefwide::magnitude(ZEFWIDE_PERMUTE(l3, 2, 2, 2, 2)),
+                                zefwide::magnitude(ZEFWIDE_PERMUTE(l2, 2, 2, 2, 2))),
+               l3, h3, l2, h2);
     if (l2[2] == 0.0)
         return false;
     {

@@ -102,8 +102,8 @@ ZEFWIDE_AVX2 void hamiltonAvx2(float *const out, float const *const a, float con
     const __m256d t0 = _mm256_mul_pd(_mm256_permute4x64_pd(A, 0x00), B);
     const __m256d t1 =
         _mm256_mul_pd(_mm256_permute_pd(A, 0xB), _mm256_mul_pd(_mm256_permute4x64_pd(B, 0x01), firstNegated));
-    const __m256d t2 =
-        _mm256_mul_pd(_mm256_permute4x64_pd(A, 0x7A), _mm256_mul_pd(_mm256_permute4x64_pd(B, 0x9E), firstNegated));
+    const __m256d t2 = _mm256_mul_pd(_mm256_permute4x64_pd(A, 0x7A),
+                                     _mm256_mul_pd(_mm256_permute4x64_pd(B, 0x9E), firstNegated));
     const __m256d t3 = _mm256_mul_pd(_mm256_permute4x64_pd(A, 0x9F), _mm256_permute4x64_pd(B, 0x7B));
     const __m256d sum = _mm256_sub_pd(_mm256_add_pd(_mm256_add_pd(t0, t1), t2), t3);
     _mm_storeu_ps(out, _mm256_cvtpd_ps(sum));

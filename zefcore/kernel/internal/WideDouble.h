@@ -84,19 +84,25 @@ ZEFWIDE_INLINE void store3(float *p, Float4 v) {
 
 // Returns, lane by lane, a where mask is all ones and b where it is zero.
 ZEFWIDE_INLINE Double4 select(Long4 mask, Double4 a, Double4 b) {
-    return (Double4)((mask & (Long4)a) | (~mask & (Long4)b));
+    return mask ? a : b;
+}
+
+// Returns |v| lane by lane (the sign bit cleared, NaN lanes included).
+ZEFWIDE_INLINE Double4 magnitude(Double4 v) {
+    return (Double4)((Long4)v & Long4{0x7FFFFFFFFFFFFFFFLL, 0x7FFFFFFFFFFFFFFFLL, 0x7FFFFFFFFFFFFFFFLL,
+                                      0x7FFFFFFFFFFFFFFFLL});
+}
+
+// Returns all ones in every lane where a > b, zero elsewhere: false where either
+// is NaN, as the scalar comparison.
+ZEFWIDE_INLINE Long4 greater(Double4 a, Double4 b) {
+    return (Long4)(a > b);
 }
 
 // Returns all ones in the lanes where v is not zero (either sign), zero in the
 // others; a NaN lane is not zero.
 ZEFWIDE_INLINE Long4 nonZero(Double4 v) {
     return (Long4)(v != Double4{0.0, 0.0, 0.0, 0.0});
-}
-
-// Returns all ones in every lane if c, zero otherwise.
-ZEFWIDE_INLINE Long4 everyLane(bool c) {
-    const long long k = -static_cast<long long>(c);
-    return Long4{k, k, k, k};
 }
 
 } // namespace zefwide
