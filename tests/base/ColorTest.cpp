@@ -18,18 +18,17 @@ float channel(float h, float m1, float m2) {
            : h * 3.0 < 2.0 ? float(m1 + span * (kTwoThirds - h))
                            : m1;
 }
-void hslToRgb(float *rgb, float h, float s, float l) {
+void hslToRgb(float *rgb, const float *hsl) {
+    const float h = hsl[0], s = hsl[1], l = hsl[2];
     const float m2 = l < 0.5f ? float((s + 1.0) * l) : float(double(l) + s - double(l) * s),
                 m1 = float(2.0 * l - m2);
     const float out[3] = {channel(float(h + kThird), m1, m2), channel(h, m1, m2),
                           channel(float(h - kThird), m1, m2)};
-    std::copy(out, out + 3, rgb);
-    if (s == 0.0f)
-        std::fill(rgb, rgb + 3, l);
+    s == 0.0f ? void(std::fill(rgb, rgb + 3, l)) : void(std::copy(out, out + 3, rgb));
 }
-void rgbToHsl(float *hsl, float r, float g, float b) {
-    const float max = std::max({r, g, b}), min = std::min({r, g, b}), l = float(0.5 * (double(max) + min));
-    const float d = float(double(max) - min),
+void rgbToHsl(float *hsl, const float *rgb) {
+    const float r = rgb[0], g = rgb[1], b = rgb[2], max = std::max({r, g, b}), min = std::min({r, g, b});
+    const float l = float(0.5 * (double(max) + min)), d = float(double(max) - min),
                 s = l <= 0.5f ? float(d / (double(max) + min)) : float(d / (2.0 - max - min));
     const float h = r == max   ? float((double(g) - b) / d)
                     : g == max ? float(2.0 + (double(b) - r) / d)
@@ -42,6 +41,7 @@ bool same(const float *a, const float *b) {
 }
 } // namespace
 
+// Anchors for the references below.
 TEST(Color, StatedValues) {
     const float reds[][3] = {{1, 0, 0}, {1, 0, 1}, {1, 0, 0.5f}},
                 want[][3] = {{0, 1, 0.5f}, {float(-1.0 / 6), 1, 0.5f}, {float(-1.0 / 12), 1, 0.5f}};
@@ -57,52 +57,46 @@ TEST(Color, StatedValues) {
     EXPECT_TRUE(out[0] == 1.0f && out[1] == 0.0f && out[2] > 0.0f && out[2] < kFewFloatSteps);
     Color::HSLtoRGB(out, far); // two and a half turns: still above 1 after one step
     EXPECT_EQ(out[1], float(2.0 * 0.4f - float((0.8f + 1.0) * 0.4f)));
-    EXPECT_TRUE(Color().getColor3f().equals(Color::WHITE) && Color().getAlpha() == 1.0f);
     EXPECT_TRUE(Color::NULL_COLOR.getColor3f().equals(Vector3f(-1, -1, -1)) &&
-                Color::NULL_COLOR.getAlpha() == -1.0f);
+                Color::NULL_COLOR.getAlpha() == -1);
 }
 
-// Both conversions bit for bit against the references, in place, on random channels
-// with frequent ties and hues up to one and a half turns outside; round trips return.
-TEST(Color, ConversionsMatchDoubleThenRoundAndRoundTrip) {
+// Conversions, mixing and scaling bit for bit against the references, the conversions in
+// place, on random channels with frequent ties and hues up to one and a half turns
+// outside; weights are not clamped. Round trips return.
+TEST(Color, ConversionsAndMixingMatchDoubleThenRound) {
     std::mt19937 rng(31337);
-    std::uniform_real_distribution<float> u(0.0f, 1.0f), hue(-1.5f, 2.5f);
+    std::uniform_real_distribution<float> u(0.0f, 1.0f), hue(-1.5f, 2.5f), weight(-1.0f, 2.0f);
     const float ties[4] = {0.0f, 0.5f, 1.0f, 0.25f};
     for (int i = 0; i < 20000; ++i) {
-        float rgb[3], hsl[3], want[3];
+        float rgb[3], hsl[3], v[3], want[3];
         for (float &c : rgb)
             c = i % 3 ? u(rng) : ties[rng() % 4];
-        float v[3] = {rgb[0], rgb[1], rgb[2]};
+        std::copy(rgb, rgb + 3, v);
         Color::RGBtoHSL(v, v);
-        rgbToHsl(want, rgb[0], rgb[1], rgb[2]);
+        rgbToHsl(want, rgb);
         ASSERT_TRUE(same(v, want)) << rgb[0] << " " << rgb[1] << " " << rgb[2];
         Color::HSLtoRGB(v, v);
         for (int k = 0; k < 3; ++k)
             ASSERT_NEAR(v[k], rgb[k], kFewFloatSteps);
         hsl[0] = hue(rng), hsl[1] = i % 7 ? u(rng) : 0.0f, hsl[2] = u(rng);
-        hslToRgb(want, hsl[0], hsl[1], hsl[2]);
+        hslToRgb(want, hsl);
         Color::HSLtoRGB(hsl, hsl);
         ASSERT_TRUE(same(hsl, want)) << i;
+
+        const Color c(rgb[0], rgb[1], rgb[2], u(rng)), d(hsl[0], hsl[1], hsl[2], u(rng));
+        const float w1 = weight(rng), w2 = weight(rng), fs = weight(rng), fl = weight(rng);
+        const Color mixed = Color::getMixedColor(c, d, w1, w2), half = Color::getScaledTranspaColor(c, w1);
+        for (int k = 0; k < 3; ++k)
+            ASSERT_EQ(mixed.getColor3f()[k], float(double(rgb[k]) * w1 + double(hsl[k]) * w2)) << i;
+        ASSERT_EQ(mixed.getAlpha(), float(double(c.getAlpha()) * w1 + double(d.getAlpha()) * w2));
+        ASSERT_TRUE(half.getAlpha() == float(double(w1) * c.getAlpha()) &&
+                    half.getColor3f().equals(c.getColor3f()));
+        // Saturation by the first factor, lightness by the second; alpha kept.
+        rgbToHsl(v, rgb);
+        v[1] = float(double(v[1]) * fs), v[2] = float(double(v[2]) * fl);
+        hslToRgb(want, v);
+        const Color scaled = Color::getScaledSL(c, fs, fl);
+        ASSERT_TRUE(same(scaled.getColor3f().getValue(), want) && scaled.getAlpha() == c.getAlpha()) << i;
     }
-}
-
-TEST(Color, MixingAndScalingRoundOncePerChannel) {
-    const Color c(0.1f, 0.7f, 0.3f, 0.9f), d(0.2f, 0.6f, 0.35f, 0.45f);
-    const Color mixed = Color::getMixedColor(c, d, 0.3f, 0.7f);
-    for (int k = 0; k < 3; ++k)
-        EXPECT_EQ(mixed.getColor3f()[k],
-                  float(double(c.getColor3f()[k]) * 0.3f + double(d.getColor3f()[k]) * 0.7f));
-    EXPECT_EQ(mixed.getAlpha(), float(double(0.9f) * 0.3f + double(0.45f) * 0.7f));
-    EXPECT_EQ(Color::getMixedColor(Color(0.75f, 1, 1, 1), Color(0.5f, 1, 1, 1), 1, 1).getColor3f().x(),
-              1.25f); // not clamped
-
-    const Color half = Color::getScaledTranspaColor(c, 0.3f);
-    EXPECT_TRUE(half.getAlpha() == float(double(0.3f) * 0.9f) && half.getColor3f().equals(c.getColor3f()));
-    // Saturation by the first factor, lightness by the second; hue and alpha kept.
-    float hsl[3], rgb[3];
-    Color::RGBtoHSL(hsl, c.getColor3f().getValue());
-    hsl[1] = float(double(hsl[1]) * 0.6f), hsl[2] = float(double(hsl[2]) * 1.3f);
-    Color::HSLtoRGB(rgb, hsl);
-    const Color scaled = Color::getScaledSL(c, 0.6f, 1.3f);
-    EXPECT_TRUE(same(scaled.getColor3f().getValue(), rgb) && scaled.getAlpha() == 0.9f);
 }

@@ -1,12 +1,11 @@
-// Several threads use the shared kernel at once, each on its own values, while also
-// reading shared const objects and the timer. Each thread's results must equal, bit
-// for bit, those computed first on one thread. Built under the thread sanitizer, any
-// hidden shared write in these paths is reported as a race.
+// Several threads use the shared kernel at once, each on its own values, while reading
+// shared const objects and the timer. Each thread's results must equal, bit for bit,
+// those computed first on one thread; under the thread sanitizer any hidden shared
+// write in these paths shows as a race.
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <cmath>
-#include <cstdint>
 #include <cstring>
 #include <random>
 #include <thread>
@@ -23,169 +22,98 @@
 #include "zefcore/math/Matrix4f.h"
 #include "zefcore/math/Quaternion.h"
 #include "zefcore/math/Vector2f.h"
-#include "zefcore/math/Vector3f.h"
 
 namespace {
+constexpr int kThreads = 4, kRounds = 40, kCases = 40;
 
-constexpr int kThreads = 4;
-constexpr int kRounds = 40;
-constexpr int kCasesPerRound = 40;
-
-// Read by every thread, written by none after start.
-struct Shared {
+struct Shared { // read by every thread, written by none after start
     Matrix4f view;
     BoundingBox box;
-    std::vector<Vector2f> ring;
+    std::vector<Vector2f> ring{{0.0f, 0.0f}, {2.0f, -1.0f}, {3.0f, 1.5f}, {1.0f, 3.0f}, {-1.0f, 1.0f}};
 };
 
-Shared makeShared() {
-    Shared s;
-    float values[16] = {0.8f,  0.1f,   -0.3f, 0.0f, -0.2f, 0.9f,  0.25f, 0.0f,
-                        0.35f, -0.15f, 0.7f,  0.0f, 1.5f,  -2.0f, 3.25f, 1.0f};
-    s.view = Matrix4f(values);
-    s.box.set(Vector3f(-1.0f, -1.0f, -1.0f));
-    s.box.add(Vector3f(1.0f, 2.0f, 0.5f));
-    s.ring = {Vector2f(0.0f, 0.0f), Vector2f(2.0f, -1.0f), Vector2f(3.0f, 1.5f), Vector2f(1.0f, 3.0f),
-              Vector2f(-1.0f, 1.0f)};
-    return s;
-}
-
-// Appends the bits of every result of one batch of operations on values drawn from seed.
-void runBatch(std::uint32_t seed, const Shared &shared, std::vector<std::uint32_t> &out) {
+// Returns every result of a batch of operations on values drawn from seed.
+std::vector<float> runBatch(unsigned seed, const Shared &shared) {
     std::mt19937 rng(seed);
     std::uniform_real_distribution<float> unit(-1.0f, 1.0f);
-    auto push = [&out](const float *v, int n) {
-        for (int i = 0; i < n; ++i) {
-            std::uint32_t bits;
-            std::memcpy(&bits, &v[i], sizeof bits);
-            out.push_back(bits);
-        }
-    };
+    std::vector<float> out;
+    auto push = [&out](const float *v, int n) { out.insert(out.end(), v, v + n); };
     const EnhancedMathFunctions *kernel = EnhancedMathFunctions::getCurrent();
-
-    for (int c = 0; c < kCasesPerRound; ++c) {
-        float m[16];
+    for (int c = 0; c < kCases; ++c) {
+        float m[16], rot[16], back[4], evalues[3], evectors[3][3], ex, ey, ez, t;
         for (float &x : m)
             x = unit(rng) * 4.0f;
-        Matrix4f a(m);
-        Matrix4f product = shared.view * a;
-        push(product.getValue(), 16);
-        Matrix4f inv = a;
+        Matrix4f a(m), inv(m);
         bool ok = false;
         inv.inverse(ok);
-        out.push_back(ok ? 1u : 0u);
-        push(inv.getValue(), 16);
-        float det = kernel->det4(m);
-        push(&det, 1);
-
-        Quaternion q(unit(rng) * 3.0f, unit(rng) * 1.5f, unit(rng) * 3.0f);
-        Quaternion r(Vector3f(unit(rng), unit(rng), unit(rng)), unit(rng) * 3.0f);
-        Quaternion qr = q * r;
-        push(qr.getValue(), 4);
-        float ex = 0.0f, ey = 0.0f, ez = 0.0f;
+        push((shared.view * a).getValue(), 16), push(inv.getValue(), 16), out.push_back(float(ok));
+        out.push_back(kernel->det4(m));
+        const Quaternion q(unit(rng) * 3.0f, unit(rng) * 1.5f, unit(rng) * 3.0f);
+        const Quaternion qr = q * Quaternion(Vector3f(unit(rng), unit(rng), unit(rng)), unit(rng) * 3.0f);
         qr.getValue(ex, ey, ez);
-        float euler[3] = {ex, ey, ez};
-        push(euler, 3);
-        float rot[16];
         kernel->quaternionToMatrix(rot, qr.getValue());
-        push(rot, 16);
-        float back[4];
-        int branch = kernel->RotMatrixToQuaternion(back, rot);
-        out.push_back(std::uint32_t(branch));
-        push(back, 4);
+        out.insert(out.end(), {ex, ey, ez, float(kernel->RotMatrixToQuaternion(back, rot))});
+        push(qr.getValue(), 4), push(rot, 16), push(back, 4);
 
-        Vector3f u(unit(rng), unit(rng), unit(rng));
-        Vector3f v(unit(rng), unit(rng), unit(rng));
-        Vector3f w = u ^ v;
-        push(w.getValue(), 3);
-        Vector3f moved = shared.view * w;
-        push(moved.getValue(), 3);
-
+        const Vector3f u(unit(rng), unit(rng), unit(rng)), v(unit(rng), unit(rng), unit(rng)), w = u ^ v;
         Plane plane;
         plane.setFromNormalPoint(u, v);
-        Vector3f foot;
-        plane.findPoint(foot);
-        push(foot.getValue(), 3);
-        ZEFLine lu, lv;
-        plane.findUVAxis(lu, lv);
-        push(lu.m_dir.getValue(), 3);
-        push(lv.m_dir.getValue(), 3);
         const ZEFLine line(v, u, true);
-        Vector3f hit;
-        float t = 0.0f;
-        out.push_back(std::uint32_t(interLinePlane(hit, t, line, plane)));
-        push(hit.getValue(), 3);
-        Vector3f nearest;
-        const float gap = distancePointLine(w, line, nearest);
-        push(&gap, 1);
-        push(nearest.getValue(), 3);
+        Vector3f hit, nearest;
+        out.push_back(float(interLinePlane(hit, t, line, plane)));
+        out.push_back(distancePointLine(w, line, nearest));
+        push((shared.view * w).getValue(), 3), push(hit.getValue(), 3), push(nearest.getValue(), 3);
         BoundingBox seen;
-        out.push_back(std::uint32_t(BoundingBoxAlgo::cameraProjBBox(seen, shared.box, shared.view, 0.1f)));
-        push(seen.getMin().getValue(), 3);
-        push(seen.getMax().getValue(), 3);
+        out.push_back(float(BoundingBoxAlgo::cameraProjBBox(seen, shared.box, shared.view, 0.1f)));
+        push(seen.getMin().getValue(), 3), push(seen.getMax().getValue(), 3);
+        const float probe[2] = {unit(rng) * 3.0f, unit(rng) * 3.0f};
+        out.push_back(
+            float(pointIn2DPolygon(probe, shared.ring.data(), shared.ring.data() + shared.ring.size())));
+        out.push_back(float(shared.box.contains(u * 2.0f)));
 
-        float p1[2] = {unit(rng), unit(rng)}, d1[2] = {unit(rng), unit(rng)};
-        float p2[2] = {unit(rng), unit(rng)}, d2[2] = {unit(rng), unit(rng)};
-        float point[2] = {0.0f, 0.0f}, t1 = 0.0f, t2 = 0.0f;
-        out.push_back(std::uint32_t(inter2dLineLine(point, t1, t2, p1, d1, p2, d2)));
-        push(point, 2);
-        float probe[2] = {unit(rng) * 3.0f, unit(rng) * 3.0f};
-        out.push_back(pointIn2DPolygon(probe, shared.ring.data(), shared.ring.data() + shared.ring.size()));
-        out.push_back(shared.box.contains(u * 2.0f));
-
-        float evalues[3], evectors[3][3];
         int rots = 0;
-        float sym[16] = {m[0], m[1], m[2],  0.0f, m[1], m[5], m[6], 0.0f,
-                         m[2], m[6], m[10], 0.0f, 0.0f, 0.0f, 0.0f, 1.0f};
+        const float sym[16] = {m[0], m[1], m[2], 0, m[1], m[5], m[6], 0, m[2], m[6], m[10], 0, 0, 0, 0, 1};
         kernel->jacobi3(evalues, evectors, rots, sym);
-        out.push_back(std::uint32_t(rots));
-        push(evalues, 3);
-        push(&evectors[0][0], 9);
-        float root = kernel->invSqrt(std::fabs(m[3]) + 0.5f, 2);
-        push(&root, 1);
+        out.insert(out.end(), {float(rots), kernel->invSqrt(std::fabs(m[3]) + 0.5f, 2)});
+        push(evalues, 3), push(&evectors[0][0], 9);
     }
+    return out;
 }
+} // namespace
 
 TEST(Concurrency, KernelAndConstReadsMatchTheSingleThreadedReference) {
     ASSERT_TRUE(ZEFTimer::initTimingTools());
-    const Shared shared = makeShared();
-
-    std::vector<std::vector<std::uint32_t>> reference(kThreads);
+    Shared shared;
+    const float view[16] = {0.8f,  0.1f,   -0.3f, 0, -0.2f, 0.9f, 0.25f, 0,
+                            0.35f, -0.15f, 0.7f,  0, 1.5f,  -2,   3.25f, 1};
+    shared.view = Matrix4f(view);
+    shared.box.set(Vector3f(-1.0f, -1.0f, -1.0f));
+    shared.box.add(Vector3f(1.0f, 2.0f, 0.5f));
+    std::vector<std::vector<float>> reference;
     for (int t = 0; t < kThreads; ++t)
-        runBatch(1000u + std::uint32_t(t), shared, reference[t]);
+        reference.push_back(runBatch(1000u + unsigned(t), shared));
+    // The batches differ between seeds, so a thread reading another's values would show.
+    ASSERT_NE(std::memcmp(reference[0].data(), reference[1].data(), reference[0].size() * 4), 0);
 
-    std::vector<int> mismatches(kThreads, 0);
-    std::vector<int> clockFaults(kThreads, 0);
+    std::vector<int> mismatches(kThreads, 0), clockFaults(kThreads, 0);
     std::atomic<int> waiting{kThreads};
     std::vector<std::thread> threads;
-    for (int t = 0; t < kThreads; ++t) {
+    for (int t = 0; t < kThreads; ++t)
         threads.emplace_back([&, t] {
-            // Start together, so that the batches overlap.
-            waiting.fetch_sub(1);
-            while (waiting.load() > 0)
+            for (waiting.fetch_sub(1); waiting.load() > 0;) // start together: the batches overlap
                 std::this_thread::yield();
             double previous = ZEFTimer::getElapsedTime();
             for (int round = 0; round < kRounds; ++round) {
-                std::vector<std::uint32_t> mine;
-                runBatch(1000u + std::uint32_t(t), shared, mine);
-                if (mine != reference[t])
-                    ++mismatches[t];
-                double now = ZEFTimer::getElapsedTime();
-                if (!(now >= previous) || !(now > 0.0))
-                    ++clockFaults[t];
+                const std::vector<float> mine = runBatch(1000u + unsigned(t), shared);
+                mismatches[t] += mine.size() != reference[t].size() ||
+                                 std::memcmp(mine.data(), reference[t].data(), mine.size() * sizeof(float));
+                const double now = ZEFTimer::getElapsedTime();
+                clockFaults[t] += !(now >= previous && now > 0.0);
                 previous = now;
             }
         });
-    }
     for (std::thread &th : threads)
         th.join();
-
-    for (int t = 0; t < kThreads; ++t) {
-        EXPECT_EQ(mismatches[t], 0) << "thread " << t;
-        EXPECT_EQ(clockFaults[t], 0) << "thread " << t;
-    }
-    // The batches differ between seeds, so a thread reading another's values would show.
-    EXPECT_NE(reference[0], reference[1]);
+    EXPECT_EQ(mismatches, std::vector<int>(kThreads, 0));
+    EXPECT_EQ(clockFaults, std::vector<int>(kThreads, 0));
 }
-
-} // namespace

@@ -1,15 +1,16 @@
+// Reference counts and the holders, checked by counting objects built and destroyed.
 #include "zefcore/base/MultiRefObject.h"
 #include "zefcore/base/AutoRefUnref.h"
 #include "zefcore/base/AutoUnref.h"
 #include "zefcore/base/CountedPtrBase.h"
+#include "zefcore/base/ZEFArray.h"
 
 #include <gtest/gtest.h>
 
 #include <climits>
 
 namespace {
-int g_live = 0;      // objects built minus objects destroyed
-int g_destroyed = 0; // destructor calls
+int g_live = 0, g_destroyed = 0; // objects built minus destroyed; destructor calls
 
 class Counted : public MultiRefObject {
 public:
@@ -21,61 +22,49 @@ public:
     void setCount(int count) { m_refCount = count; }
 };
 
-class TestPtr : public CountedPtrBase {
-public:
-    void take(const MultiRefObject *object) { ref(object); }
-    void drop(const MultiRefObject *object) { unref(object); }
-};
-
-// The cases shared by the two holders that take a reference of their own.
+// Every mode (7: unknown) on counts around zero, with or without another owner leaving
+// inside the scope. e_autoDelete resolves from the count read before the holder's own
+// reference; only e_delete may delete, and only on reaching exactly zero.
 template <class Holder>
-void checkReferenceTakingHolder() {
-    g_destroyed = 0;
-    {
-        Holder h0(nullptr, Holder::e_noDelete), h1(nullptr, Holder::e_delete),
-            h2(nullptr, Holder::e_autoDelete);
-    }
-    Counted *a = new Counted;
-    for (auto mode : {Holder::e_noDelete, Holder::e_autoDelete}) { // auto on count 0: no delete
-        Holder h(a, mode);
-        EXPECT_EQ(a->count(), 1);
-    }
-    { Holder h(a, static_cast<typename Holder::e_deleteMode>(7)); } // unknown mode: never drops
-    EXPECT_EQ(a->count(), 1);
-    { Holder h(a, Holder::e_autoDelete); } // count 1: resolves to e_delete
-    EXPECT_EQ(a->count(), 1);
-    {
-        Holder h(a, Holder::e_autoDelete);
-        a->unref(); // the other owner leaves inside the scope
-        EXPECT_EQ(g_destroyed, 0);
-    }
-    EXPECT_EQ(g_destroyed, 1);
-    Counted *b = new Counted;
-    { Holder h(b, Holder::e_delete); }
-    EXPECT_TRUE(g_destroyed == 2 && g_live == 0);
+void checkHolder(int takes) {
+    { Holder h(nullptr, Holder::e_delete); }
+    for (int mode : {0, 1, 2, 7})
+        for (int count : {-1, 0, 1, 2})
+            for (int drop : {0, 1}) {
+                g_destroyed = 0;
+                Counted *a = new Counted;
+                a->setCount(count);
+                const int resolved = mode == 2 ? (count != 0 ? 1 : 0) : mode;
+                {
+                    Holder h(a, static_cast<typename Holder::e_deleteMode>(mode));
+                    EXPECT_EQ(a->count(), count + takes);
+                    drop ? a->unrefNoDelete() : void();
+                }
+                const int left = count + takes - drop - (resolved < 2);
+                const bool deleted = resolved == 1 && left == 0;
+                EXPECT_EQ(g_destroyed, int(deleted)) << mode << " " << count << " " << drop;
+                if (!deleted) {
+                    EXPECT_EQ(a->count(), left) << mode << " " << count << " " << drop;
+                    delete a;
+                }
+            }
+    EXPECT_EQ(g_live, 0);
 }
 } // namespace
 
 TEST(MultiRefObject, OnlyExactZeroDeletesAndCopiesCarryTheCount) {
     g_destroyed = 0;
-    Counted *a = new Counted;
-    EXPECT_EQ(a->count(), 0);
+    Counted *a = new Counted, *b = new Counted, *c = new Counted;
     a->ref();
     a->unref();
-    EXPECT_EQ(g_destroyed, 1);
-    Counted *b = new Counted;
     b->ref();
     b->deleteIfNotRef(); // count 1: nothing
     b->unrefNoDelete();
     EXPECT_EQ(g_destroyed, 1);
     b->deleteIfNotRef();
-    EXPECT_EQ(g_destroyed, 2);
-
-    Counted *c = new Counted;
     c->unref(); // 0 -> -1: below zero never deletes
-    c->unref();
     c->deleteIfNotRef();
-    EXPECT_TRUE(c->count() == -2 && g_destroyed == 2);
+    EXPECT_TRUE(c->count() == -1 && g_destroyed == 2);
     c->setCount(INT_MAX);
     c->ref(); // wraps, no overflow
     EXPECT_EQ(c->count(), INT_MIN);
@@ -86,39 +75,30 @@ TEST(MultiRefObject, OnlyExactZeroDeletesAndCopiesCarryTheCount) {
     EXPECT_EQ(copy.count(), 3);
     copy = target;
     EXPECT_EQ(copy.count(), 0);
-    c->setCount(1);
-    c->unref();
-    EXPECT_EQ(g_live, 2);
+    delete c;
+
+    ZEFArray<Counted *> owned; // deletePtrArray skips nulls and keeps the size
+    for (Counted *p : {new Counted, static_cast<Counted *>(nullptr), new Counted})
+        owned.push_back(p);
+    deletePtrArray(owned);
+    EXPECT_TRUE(g_live == 2 && owned.size() == 3);
 }
 
 TEST(MultiRefObject, HoldersTakeOrAdoptOneReference) {
-    checkReferenceTakingHolder<AutoRefUnref>();
-    checkReferenceTakingHolder<MultiRefObject::AutoRefUnref>();
+    checkHolder<AutoRefUnref>(1);
+    checkHolder<MultiRefObject::AutoRefUnref>(1);
+    checkHolder<AutoUnref>(0); // adopts the caller's reference
 
-    g_destroyed = 0; // AutoUnref adopts the caller's reference: no ref at construction
-    Counted *a = new Counted;
-    { AutoUnref h(a, AutoUnref::e_autoDelete); } // count 0: resolves to e_noDelete
-    EXPECT_EQ(a->count(), -1);
-    a->setCount(1);
-    { AutoUnref h(a, static_cast<AutoUnref::e_deleteMode>(7)); } // unknown mode: nothing
-    { AutoUnref h(nullptr, AutoUnref::e_delete); }
-    a->ref();
-    {
-        AutoUnref h(a, AutoUnref::e_autoDelete); // count 2: resolves to e_delete
-        EXPECT_EQ(a->count(), 2);
-        a->unref();
-        EXPECT_EQ(g_destroyed, 0);
-    }
-    EXPECT_EQ(g_destroyed, 1);
-
-    TestPtr ptr; // the counted pointer base: null ignored, unref deletes at zero
-    ptr.take(nullptr);
-    ptr.drop(nullptr);
+    struct TestPtr : CountedPtrBase { // null ignored, unref deletes at zero
+        using CountedPtrBase::ref, CountedPtrBase::unref;
+    } ptr;
+    ptr.ref(nullptr);
+    ptr.unref(nullptr);
     Counted *b = new Counted;
-    ptr.take(b);
-    ptr.take(b);
-    ptr.drop(b);
+    ptr.ref(b);
+    ptr.ref(b);
+    ptr.unref(b);
     EXPECT_EQ(b->count(), 1);
-    ptr.drop(b);
-    EXPECT_TRUE(g_destroyed == 2 && g_live == 0);
+    ptr.unref(b);
+    EXPECT_EQ(g_live, 0);
 }
