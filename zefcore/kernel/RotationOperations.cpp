@@ -93,19 +93,19 @@ ZEFWIDE_INLINE void hamilton(float *const out, float const *const a, float const
     zefwide::store4(out, zefwide::narrow(((t0 + t1) + t2) - t3));
 }
 #if ZEFWIDE_X86
-// The same products and sums with AVX2 instructions, operands in the same order.
+// The same products and sums with AVX2 instructions, operands in the same
+// order; products of floats (a negation is exact), so fused steps.
 ZEFWIDE_AVX2 void hamiltonAvx2(float *const out, float const *const a, float const *const b) {
     const __m256d A = _mm256_cvtps_pd(_mm_loadu_ps(a));
     const __m256d B = _mm256_cvtps_pd(_mm_loadu_ps(b));
     const __m256d firstNegated = _mm256_setr_pd(-1.0, 1.0, 1.0, 1.0);
     // Lane orders as in hamilton: A(1,1,2,3) B(1,0,0,0); A(2,2,3,1) B(2,3,1,2); A(3,3,1,2) B(3,2,3,1).
-    const __m256d t0 = _mm256_mul_pd(_mm256_permute4x64_pd(A, 0x00), B);
-    const __m256d t1 =
-        _mm256_mul_pd(_mm256_permute_pd(A, 0xB), _mm256_mul_pd(_mm256_permute4x64_pd(B, 0x01), firstNegated));
-    const __m256d t2 = _mm256_mul_pd(_mm256_permute4x64_pd(A, 0x7A),
-                                     _mm256_mul_pd(_mm256_permute4x64_pd(B, 0x9E), firstNegated));
-    const __m256d t3 = _mm256_mul_pd(_mm256_permute4x64_pd(A, 0x9F), _mm256_permute4x64_pd(B, 0x7B));
-    const __m256d sum = _mm256_sub_pd(_mm256_add_pd(_mm256_add_pd(t0, t1), t2), t3);
+    __m256d sum = _mm256_mul_pd(_mm256_permute4x64_pd(A, 0x00), B);
+    sum = _mm256_fmadd_pd(_mm256_permute_pd(A, 0xB),
+                          _mm256_mul_pd(_mm256_permute4x64_pd(B, 0x01), firstNegated), sum);
+    sum = _mm256_fmadd_pd(_mm256_permute4x64_pd(A, 0x7A),
+                          _mm256_mul_pd(_mm256_permute4x64_pd(B, 0x9E), firstNegated), sum);
+    sum = _mm256_fnmadd_pd(_mm256_permute4x64_pd(A, 0x9F), _mm256_permute4x64_pd(B, 0x7B), sum);
     _mm_storeu_ps(out, _mm256_cvtpd_ps(sum));
 }
 #endif
@@ -115,7 +115,7 @@ ZEFWIDE_AVX2 void hamiltonAvx2(float *const out, float const *const a, float con
 void EnhancedMathFunctions::multQuaternions(float *const out, float const *const a,
                                             float const *const b) const {
 #if ZEFWIDE_X86
-    if (zefwide::hasAvx2) {
+    if (zefwide::hasAvx2Fma) {
         hamiltonAvx2(out, a, b);
         return;
     }
@@ -298,16 +298,37 @@ ZEFWIDE_INLINE void rotationFromQuaternion(float *const out, float const *const 
     zefwide::store4(out + 12, lastColumn);
 }
 #if ZEFWIDE_X86
+// The same products and sums with AVX2 instructions; products of floats, so
+// fused steps.
+#define ZEFROT_COLUMN(OUT, Q, A, B, C, NEG, D, E)                                                            \
+    do {                                                                                                     \
+        const __m256d ab = _mm256_mul_pd(_mm256_permute4x64_pd(Q, A), _mm256_permute4x64_pd(Q, B));          \
+        const __m256d s = _mm256_fmadd_pd(_mm256_mul_pd(_mm256_permute4x64_pd(Q, C), NEG),                   \
+                                          _mm256_permute4x64_pd(Q, D), ab);                                  \
+        const __m128 r = _mm256_cvtpd_ps(_mm256_sub_pd(_mm256_mul_pd(_mm256_set1_pd(2.0), s), E));           \
+        _mm_storeu_ps(OUT, _mm_blend_ps(r, _mm_setzero_ps(), 0x8));                                          \
+    } while (0)
 ZEFWIDE_AVX2 void rotationFromQuaternionAvx2(float *const out, float const *const q) {
-    rotationFromQuaternion(out, q);
+    const __m256d Q = _mm256_cvtps_pd(_mm_loadu_ps(q)); // w x y z
+    ZEFROT_COLUMN(out, Q, ZEFWIDE_LANES(0, 1, 1, 0), ZEFWIDE_LANES(0, 2, 3, 0), ZEFWIDE_LANES(1, 0, 0, 0),
+                  _mm256_setr_pd(1.0, 1.0, -1.0, 1.0), ZEFWIDE_LANES(1, 3, 2, 0),
+                  _mm256_setr_pd(1.0, 0.0, 0.0, 0.0));
+    ZEFROT_COLUMN(out + 4, Q, ZEFWIDE_LANES(1, 0, 2, 0), ZEFWIDE_LANES(2, 0, 3, 0), ZEFWIDE_LANES(0, 2, 0, 0),
+                  _mm256_setr_pd(-1.0, 1.0, 1.0, 1.0), ZEFWIDE_LANES(3, 2, 1, 0),
+                  _mm256_setr_pd(0.0, 1.0, 0.0, 0.0));
+    ZEFROT_COLUMN(out + 8, Q, ZEFWIDE_LANES(1, 2, 0, 0), ZEFWIDE_LANES(3, 3, 0, 0), ZEFWIDE_LANES(0, 0, 3, 0),
+                  _mm256_setr_pd(1.0, -1.0, 1.0, 1.0), ZEFWIDE_LANES(2, 1, 3, 0),
+                  _mm256_setr_pd(0.0, 0.0, 1.0, 0.0));
+    _mm_storeu_ps(out + 12, _mm_setr_ps(0.0f, 0.0f, 0.0f, 1.0f));
 }
+#undef ZEFROT_COLUMN
 #endif
 
 } // namespace
 
 void EnhancedMathFunctions::quaternionToMatrix(float *const out, float const *const q) const {
 #if ZEFWIDE_X86
-    if (zefwide::hasAvx2) {
+    if (zefwide::hasAvx2Fma) {
         rotationFromQuaternionAvx2(out, q);
         return;
     }
