@@ -1,22 +1,24 @@
-// FuzzInput: a small reader that turns the fuzzer's bytes into operations and
-// arguments. It never fails: past the end every read gives zero, so any input,
-// even empty, decodes to a valid sequence. Multi-byte values are little-endian.
+// The fuzz targets' shared parts. FuzzInput turns the fuzzer's bytes into operations
+// and arguments and never fails: past the end every read gives zero, so any input,
+// even empty, decodes to a valid sequence (multi-byte values little-endian).
+// FUZZ_CHECK reports a finding: it prints the condition and aborts, which libFuzzer
+// records as a crash (keeping the input) and which fails the replay program.
 #pragma once
 
 #include <cfloat>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 
 class FuzzInput {
 public:
-    FuzzInput(const uint8_t *data, size_t size) : m_data(data), m_size(size), m_pos(0) {}
+    FuzzInput(const uint8_t *data, size_t size) : m_data(data), m_size(size) {}
 
-    // Returns true once every byte has been read.
     bool empty() const { return m_pos >= m_size; }
-
     uint8_t byte() { return m_pos < m_size ? m_data[m_pos++] : 0; }
     bool flag() { return (byte() & 1) != 0; }
     uint32_t u32() {
@@ -25,79 +27,71 @@ public:
             v |= uint32_t(byte()) << (8 * i);
         return v;
     }
-    int32_t i32() {
-        const uint32_t u = u32();
-        int32_t v;
-        std::memcpy(&v, &u, sizeof v);
-        return v;
-    }
+    int32_t i32() { return bitCast<int32_t>(u32()); }
 
     // Returns a value in [lo, hi], both included; lo when the input is exhausted.
     int range(int lo, int hi) {
         const uint64_t span = uint64_t(int64_t(hi) - int64_t(lo)) + 1;
-        const uint64_t pick = span <= 256 ? byte() % span : u32() % span;
-        return int(int64_t(lo) + int64_t(pick));
+        return int(int64_t(lo) + int64_t(span <= 256 ? byte() % span : u32() % span));
     }
 
-    // Returns the float with the next four bytes as its bits: any NaN payload,
-    // infinity, subnormal or negative zero.
-    float rawFloat() {
-        const uint32_t u = u32();
-        float f;
-        std::memcpy(&f, &u, sizeof f);
-        return f;
-    }
-
-    // Returns a float drawn, by a leading byte, from raw bits, from a table of
-    // special and boundary values, or from small fractions that meet each other
-    // in geometry (n / 4 for n in [-128, 127]).
+    // Returns, by a leading byte, a float of raw bits (any NaN payload, infinity,
+    // subnormal, -0), a special or tolerance-bound value, or a small fraction
+    // n / 4 that makes figures meet.
     float anyFloat() {
+        using L = std::numeric_limits<float>;
+        constexpr float inf = L::infinity(), nan = L::quiet_NaN(), sNaN = L::signaling_NaN();
+        constexpr float tiny = L::denorm_min(), above = 0x1.a36e3p-14f,
+                        below = 0x1.a36e2cp-14f; // 0.0001f's neighbours
+        static const float table[] = {
+            0.0f,       -0.0f,      1.0f,  -1.0f,  0.5f,        2.0f,     0.0001f,   -0.0001f,
+            above,      below,      1e-7f, 1e-8f,  0.05f,       0.01f,    FLT_MAX,   -FLT_MAX,
+            FLT_MIN,    tiny,       -tiny, inf,    -inf,        nan,      -nan,      sNaN,
+            1.5707964f, 3.1415927f, 1e30f, -1e30f, FLT_EPSILON, 0.00001f, 0.000001f, 100.0f};
         const uint8_t kind = byte();
         if (kind < 80)
-            return rawFloat();
-        if (kind < 160) {
-            static const float table[] = {0.0f,
-                                          -0.0f,
-                                          1.0f,
-                                          -1.0f,
-                                          0.5f,
-                                          2.0f,
-                                          0.0001f,
-                                          -0.0001f,
-                                          std::nextafter(0.0001f, 1.0f),
-                                          std::nextafter(0.0001f, 0.0f),
-                                          1e-7f,
-                                          1e-8f,
-                                          0.05f,
-                                          0.01f,
-                                          FLT_MAX,
-                                          -FLT_MAX,
-                                          FLT_MIN,
-                                          std::numeric_limits<float>::denorm_min(),
-                                          -std::numeric_limits<float>::denorm_min(),
-                                          std::numeric_limits<float>::infinity(),
-                                          -std::numeric_limits<float>::infinity(),
-                                          std::numeric_limits<float>::quiet_NaN(),
-                                          -std::numeric_limits<float>::quiet_NaN(),
-                                          std::numeric_limits<float>::signaling_NaN(),
-                                          1.5707964f,
-                                          3.1415927f,
-                                          1e30f,
-                                          -1e30f,
-                                          1.1920929e-7f,
-                                          0.00001f,
-                                          0.000001f,
-                                          100.0f};
+            return bitCast<float>(u32());
+        if (kind < 160)
             return table[byte() % (sizeof table / sizeof table[0])];
-        }
-        return float(int8_t(byte())) / 4.0f;
+        return smallFloat();
     }
-
-    // Returns a small fraction n / 4, n in [-128, 127]: values that make figures meet.
     float smallFloat() { return float(int8_t(byte())) / 4.0f; }
+
+    template <class To, class From>
+    static To bitCast(From from) {
+        static_assert(sizeof(To) == sizeof(From), "same size");
+        To to;
+        std::memcpy(&to, &from, sizeof to);
+        return to;
+    }
 
 private:
     const uint8_t *m_data;
     size_t m_size;
-    size_t m_pos;
+    size_t m_pos = 0;
 };
+
+#define FUZZ_CHECK(cond)                                                                                     \
+    do {                                                                                                     \
+        if (!(cond)) {                                                                                       \
+            std::fprintf(stderr, "%s:%d: check failed: %s\n", __FILE__, __LINE__, #cond);                    \
+            std::abort();                                                                                    \
+        }                                                                                                    \
+    } while (0)
+
+inline bool sameBits(const float *a, const float *b, int n) {
+    return std::memcmp(a, b, sizeof(float) * size_t(n)) == 0;
+}
+
+// Same bits, or both NaN: for results whose NaN payload depends on which operand
+// an instruction happens to propagate.
+template <class T>
+bool sameValue(T a, T b) {
+    return std::memcmp(&a, &b, sizeof a) == 0 || (std::isnan(a) && std::isnan(b));
+}
+inline bool sameValues(const float *a, const float *b, int n) {
+    for (int i = 0; i < n; ++i)
+        if (!sameValue(a[i], b[i]))
+            return false;
+    return true;
+}

@@ -1,58 +1,38 @@
-// Fuzz target: random operation sequences on two ZEFKeyArray objects, each
-// checked after every step against a std::map from key number to key plus the
-// order of insertion. Ownership is followed as the class defines it: keys that
-// leave an array are the caller's, and at the end the array that is destroyed
-// deletes the keys it holds while this target deletes the rest; the sanitizers
-// report a leak or a double delete.
-#include "FuzzCheck.h"
+// Fuzz target: operation sequences on two ZEFKeyArray objects, compared after every
+// step with a vector of the keys in order of insertion. Ownership is followed as the
+// class defines it: keys that leave an array are the caller's; at the end the array
+// destroyed deletes the keys it holds and this target deletes the rest, so that the
+// sanitizers report a leak or a double delete.
 #include "FuzzInput.h"
 #include "zefcore/base/ZEFKeyArray.h"
 
 #include <algorithm>
-#include <map>
-#include <set>
 #include <vector>
 
 namespace {
 
-struct Model {
-    std::vector<ZEFKey *> order;
-    std::map<int, ZEFKey *> byNumber;
-};
+using Model = std::vector<ZEFKey *>;
 
-void check(const ZEFKeyArray &a, const Model &m) {
-    FUZZ_CHECK(a.getNumKeys() == int(m.order.size()));
-    FUZZ_CHECK(m.byNumber.size() == m.order.size());
-    for (int i = -2; i < int(m.order.size()) + 2; ++i) {
-        const bool in = i >= 0 && i < int(m.order.size());
-        FUZZ_CHECK(a.getKey(i) == (in ? m.order[size_t(i)] : nullptr));
-    }
+Model::iterator findNumber(Model &m, int number) {
+    return std::find_if(m.begin(), m.end(), [&](ZEFKey *k) { return k->getKey() == number; });
+}
+
+void check(const ZEFKeyArray &a, Model &m) {
+    const int n = int(m.size());
+    FUZZ_CHECK(a.getNumKeys() == n && !a.getKey(-1) && !a.getKey(n) && !a.findKey(-1));
     int largest = -1;
-    for (const auto &entry : m.byNumber) {
-        FUZZ_CHECK(a.findKey(entry.first) == entry.second);
-        largest = entry.first;
+    for (int i = 0; i < n; ++i) {
+        FUZZ_CHECK(a.getKey(i) == m[size_t(i)] && a.findKey(m[size_t(i)]->getKey()) == m[size_t(i)]);
+        largest = std::max(largest, m[size_t(i)]->getKey());
     }
-    for (int number : {-1, -100, largest + 1, largest + 1000})
-        FUZZ_CHECK(a.findKey(number) == nullptr);
+    FUZZ_CHECK(!a.findKey(largest + 1) && !a.findKey(-100));
+    for (int number = 0; number < 8; ++number) // numbers below the largest that are not held
+        FUZZ_CHECK(findNumber(m, number) != m.end() || !a.findKey(number));
 }
 
 int pickNumber(FuzzInput &in) {
-    switch (in.range(0, 3)) {
-    case 0:
-        return in.range(-3, 12);
-    case 1:
-        return in.range(0, 4000);
-    case 2:
-        return -in.range(1, 1 << 30);
-    default:
-        return in.range(0, 40);
-    }
-}
-
-void removeNumber(Model &m, int number) {
-    const auto it = m.byNumber.find(number);
-    m.order.erase(std::find(m.order.begin(), m.order.end(), it->second));
-    m.byNumber.erase(it);
+    const int kind = in.range(0, 2);
+    return kind == 0 ? in.range(-3, 40) : kind == 1 ? in.range(0, 4000) : -in.range(1, 1 << 30);
 }
 
 } // namespace
@@ -66,83 +46,63 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
         const int which = in.range(0, 1);
         ZEFKeyArray &a = *arrays[which];
         Model &m = models[which];
-        switch (in.range(0, 8)) {
+        switch (in.range(0, 6)) {
         case 0:
-        case 1: { // add a new key, an old one, or null
-            ZEFKey *key = nullptr;
+        case 1: { // a new key, one made before, or null; a held number is replaced in place
             const int choice = in.range(0, 5);
-            if (choice < 4 && made.size() < 200) {
-                made.push_back(new ZEFKey(pickNumber(in)));
-                key = made.back();
-            } else if (choice < 5 && !made.empty()) {
+            ZEFKey *key = nullptr;
+            if (choice < 4 && made.size() < 200)
+                key = made.emplace_back(new ZEFKey(pickNumber(in)));
+            else if (choice < 5 && !made.empty())
                 key = made[size_t(in.range(0, int(made.size()) - 1))];
-            }
             const bool ok = key && key->getKey() >= 0;
             FUZZ_CHECK(a.addKey(key) == ok);
-            if (!ok)
-                break;
-            const auto it = m.byNumber.find(key->getKey());
-            if (it == m.byNumber.end()) {
-                m.order.push_back(key);
-                m.byNumber[key->getKey()] = key;
-            } else {
-                *std::find(m.order.begin(), m.order.end(), it->second) = key;
-                it->second = key;
+            if (ok) {
+                const auto it = findNumber(m, key->getKey());
+                it == m.end() ? m.push_back(key) : void(*it = key);
             }
             break;
         }
-        case 2: { // remove by number: a probe object that is not held will do
-            const int number = in.flag() || m.order.empty()
-                                   ? pickNumber(in)
-                                   : m.order[size_t(in.range(0, int(m.order.size()) - 1))]->getKey();
-            ZEFKey probe(number);
-            const bool ok = m.byNumber.count(number) != 0;
-            FUZZ_CHECK(a.removeKey(&probe) == ok);
-            if (ok)
-                removeNumber(m, number);
+        case 2: { // by number: a probe object that is not held will do
+            ZEFKey probe(in.flag() || m.empty() ? pickNumber(in)
+                                                : m[size_t(in.range(0, int(m.size()) - 1))]->getKey());
+            const auto it = findNumber(m, probe.getKey());
+            FUZZ_CHECK(a.removeKey(&probe) == (it != m.end()) && !a.removeKey(nullptr));
+            if (it != m.end())
+                m.erase(it);
             break;
         }
         case 3:
-            FUZZ_CHECK(!a.removeKey(nullptr));
+            a.clear();
+            m.clear();
             break;
         case 4:
-            a.clear();
-            m = Model();
-            break;
-        case 5:
             arrays[0]->swap(*arrays[1]);
             std::swap(models[0], models[1]);
             break;
-        case 6: { // assignment shares the pointers: the other array is emptied after
-            ZEFKeyArray &other = *arrays[1 - which];
-            a = other;
+        case 5: { // the two share the pointers: the other one is emptied after
+            a = *arrays[1 - which];
             m = models[1 - which];
             check(a, m);
-            other.clear();
-            models[1 - which] = Model();
+            const ZEFKeyArray copy(a); // reads nothing
+            FUZZ_CHECK(copy.getNumKeys() == 0 && !copy.findKey(0));
+            arrays[1 - which]->clear();
+            models[1 - which].clear();
             break;
         }
-        case 7: {
-            const ZEFKeyArray copy(a);
-            FUZZ_CHECK(copy.getNumKeys() == 0 && copy.findKey(0) == nullptr);
+        default:
+            a = static_cast<const ZEFKeyArray &>(a);
             break;
-        }
-        default: {
-            const ZEFKeyArray &self = a;
-            a = self;
-            break;
-        }
         }
         check(*arrays[0], models[0]);
         check(*arrays[1], models[1]);
     }
-    // Release: array 1 is emptied, array 0 deletes what it holds, the rest is ours.
     arrays[1]->clear();
     delete arrays[1];
-    const std::set<ZEFKey *> held(models[0].order.begin(), models[0].order.end());
+    const Model held = models[0];
     delete arrays[0];
     for (ZEFKey *key : made)
-        if (!held.count(key))
+        if (std::find(held.begin(), held.end(), key) == held.end())
             delete key;
     return 0;
 }

@@ -1,8 +1,7 @@
-// Fuzz target: random operation sequences on two ZEFPtrDList objects, each
-// checked after every step against a std::list of the stored pointers plus a
-// model cursor position. The pointers come from a pool of four addresses and
-// null, so that equal pointers stand in a list several times.
-#include "FuzzCheck.h"
+// Fuzz target: operation sequences on two ZEFPtrDList objects, compared after every
+// step with a std::list of the stored pointers; the cursor must stand on an element
+// (at -1 on an empty list). The pointers come from a pool of four addresses and null,
+// so that equal pointers stand in a list several times.
 #include "FuzzInput.h"
 #include "zefcore/base/ZEFPtrDList.h"
 
@@ -12,239 +11,104 @@
 
 namespace {
 
+using Model = std::list<void *>;
 char g_pool[4];
 
-struct Model {
-    std::list<void *> items;
-    int cursor = -1;
-
-    int size() const { return int(items.size()); }
-    void *at(int position) const { return *std::next(items.begin(), position); }
-};
-
-void *pickData(FuzzInput &in) {
-    const int k = in.range(0, 4);
-    return k == 4 ? nullptr : &g_pool[k];
-}
-
-// Compares size, cursor and, on a copy walked both ways, every link.
+// Also walks a copy both ways, so that every link is followed.
 void check(ZEFPtrDList &list, const Model &m) {
-    FUZZ_CHECK(list.size() == m.size());
-    FUZZ_CHECK(list.isEmpty() == m.items.empty());
-    FUZZ_CHECK(list.getCurrentPosition() == m.cursor);
-    if (m.items.empty()) {
-        FUZZ_CHECK(m.cursor == -1);
-        FUZZ_CHECK(!list.getCurrentData() && !list.getFirstData() && !list.getLastData());
-        return;
-    }
-    FUZZ_CHECK(list.getCurrentData() == m.at(m.cursor));
-    FUZZ_CHECK(list.getFirstData() == m.items.front());
-    FUZZ_CHECK(list.getLastData() == m.items.back());
+    const int n = int(m.size()), cursor = list.getCurrentPosition();
+    FUZZ_CHECK(list.size() == n && list.isEmpty() == (n == 0));
+    if (n == 0)
+        FUZZ_CHECK(cursor == -1 && !list.getCurrentData() && !list.getFirstData() && !list.getLastData());
+    else
+        FUZZ_CHECK(cursor >= 0 && cursor < n && list.getCurrentData() == *std::next(m.begin(), cursor) &&
+                   list.getFirstData() == m.front() && list.getLastData() == m.back());
     ZEFPtrDList copy(list);
-    FUZZ_CHECK(copy.getCurrentPosition() == 0);
     int position = 0;
-    for (void *data : m.items) {
-        FUZZ_CHECK(copy.getCurrentPosition() == position);
-        FUZZ_CHECK(copy.getCurrentData() == data);
-        FUZZ_CHECK(copy.goToNext() == (position + 1 < m.size()));
-        ++position;
+    for (void *data : m) {
+        FUZZ_CHECK(copy.getCurrentPosition() == position && copy.getCurrentData() == data);
+        FUZZ_CHECK(copy.goToNext() == (++position < n));
     }
-    FUZZ_CHECK(copy.goToEnd());
-    for (auto it = m.items.rbegin(); it != m.items.rend(); ++it) {
-        FUZZ_CHECK(copy.getCurrentData() == *it);
-        const bool more = std::next(it) != m.items.rend();
-        FUZZ_CHECK(copy.goToPrev() == more);
-    }
-    FUZZ_CHECK(copy.getCurrentPosition() == 0);
-}
-
-void removeAt(Model &m, int position) {
-    m.items.erase(std::next(m.items.begin(), position));
-}
-
-// The model of removeFirstData and removeLastData; returns false on an empty list.
-bool removeFirst(Model &m) {
-    if (m.items.empty())
-        return false;
-    m.items.pop_front();
-    m.cursor = m.items.empty() ? -1 : std::max(m.cursor - 1, 0);
-    return true;
-}
-bool removeLast(Model &m) {
-    if (m.items.empty())
-        return false;
-    m.items.pop_back();
-    m.cursor = m.size() - 1;
-    return true;
+    for (auto it = m.rbegin(); it != m.rend(); ++it)
+        FUZZ_CHECK(copy.getCurrentData() == *it && copy.goToPrev() == (std::next(it) != m.rend()));
 }
 
 void step(FuzzInput &in, ZEFPtrDList *lists, Model *models) {
     const int which = in.range(0, 1);
     ZEFPtrDList &list = lists[which];
     Model &m = models[which];
-    const int n = m.size();
-    switch (in.range(0, 18)) {
-    case 0: {
-        void *d = pickData(in);
-        FUZZ_CHECK(list.prepend(d));
-        m.items.push_front(d);
-        m.cursor = n == 0 ? 0 : m.cursor + 1;
+    const int n = int(m.size()), position = in.range(-2, n + 2), k = in.range(0, 4);
+    void *d = k == 4 ? nullptr : &g_pool[k];
+    const bool valid = position >= 0 && position < n;
+    const auto at = [&](int p) { return std::next(m.begin(), p); };
+    switch (in.range(0, 11)) {
+    case 0:
+        FUZZ_CHECK(list.prepend(d) && list.append(d));
+        m.push_front(d);
+        m.push_back(d);
         break;
-    }
-    case 1: {
-        void *d = pickData(in);
-        FUZZ_CHECK(list.append(d));
-        m.items.push_back(d);
-        if (n == 0)
-            m.cursor = 0;
+    case 1: // at the end too, but not into an empty list
+        FUZZ_CHECK(list.insert(d, position) == (n > 0 && position >= 0 && position <= n));
+        if (n > 0 && position >= 0 && position <= n)
+            m.insert(at(position), d);
         break;
-    }
-    case 2: {
-        void *d = pickData(in);
-        const int position = in.range(-2, n + 2);
-        const bool ok = position >= 0 && position <= n && n > 0;
-        FUZZ_CHECK(list.insert(d, position) == ok);
-        if (!ok)
-            break;
-        m.items.insert(std::next(m.items.begin(), position), d);
-        if (position == 0)
-            m.cursor += 1;
-        else if (position < n)
-            m.cursor = position;
-        break;
-    }
-    case 3: {
-        const int position = in.range(-2, n + 2);
-        const bool ok = position >= 0 && position < n;
-        if (in.flag()) {
-            FUZZ_CHECK(list.getData(position) == (ok ? m.at(position) : nullptr));
+    case 2:
+        FUZZ_CHECK(list.getData(position) == (valid ? *at(position) : nullptr));
+        if (s_ZEFPtrDListElement *e = list.getElement(position)) {
+            FUZZ_CHECK(valid && e->m_data == *at(position) && (e->m_prev == nullptr) == (position == 0));
+            FUZZ_CHECK((e->m_next == nullptr) == (position == n - 1) &&
+                       (!e->m_next || e->m_next->m_prev == e));
         } else {
-            s_ZEFPtrDListElement *e = list.getElement(position);
-            FUZZ_CHECK((e != nullptr) == ok);
-            if (e) {
-                FUZZ_CHECK(e->m_data == m.at(position));
-                FUZZ_CHECK((e->m_prev == nullptr) == (position == 0));
-                FUZZ_CHECK((e->m_next == nullptr) == (position == n - 1));
-                FUZZ_CHECK(!e->m_next || e->m_next->m_prev == e);
-            }
+            FUZZ_CHECK(!valid);
         }
-        if (ok)
-            m.cursor = position;
+        break;
+    case 3:
+        FUZZ_CHECK(list.goToStart() == (n > 0) && list.goToEnd() == (n > 0) &&
+                   list.goToPosition(position) == valid);
+        FUZZ_CHECK(list.goToNext() == (valid && position < n - 1) && list.goToPrev() == (n > 1));
+        break;
+    case 4: {
+        const bool held = d && std::find(m.begin(), m.end(), d) != m.end();
+        FUZZ_CHECK(list.goToData(d) == held && (!held || list.getCurrentData() == d));
         break;
     }
-    case 4:
-        FUZZ_CHECK(list.goToStart() == (n > 0));
-        if (n > 0)
-            m.cursor = 0;
-        break;
     case 5:
-        FUZZ_CHECK(list.goToEnd() == (n > 0));
+        FUZZ_CHECK(list.reverseList() == (n >= 2));
+        m.reverse();
+        break;
+    case 6:
+        FUZZ_CHECK(list.removeFirstData() == (n > 0));
         if (n > 0)
-            m.cursor = n - 1;
+            m.pop_front();
         break;
-    case 6: {
-        const bool ok = n > 0 && m.cursor < n - 1;
-        FUZZ_CHECK(list.goToNext() == ok);
-        m.cursor += ok ? 1 : 0;
+    case 7:
+        FUZZ_CHECK(list.removeLastData() == (n > 0));
+        if (n > 0)
+            m.pop_back();
         break;
-    }
-    case 7: {
-        const bool ok = n > 0 && m.cursor > 0;
-        FUZZ_CHECK(list.goToPrev() == ok);
-        m.cursor -= ok ? 1 : 0;
+    case 8:
+        FUZZ_CHECK(list.removeData(position) == valid);
+        if (valid)
+            m.erase(at(position));
         break;
-    }
-    case 8: {
-        void *d = pickData(in);
-        const auto it = std::find(m.items.begin(), m.items.end(), d);
-        const bool ok = d && it != m.items.end();
-        FUZZ_CHECK(list.goToData(d) == ok);
-        if (ok)
-            m.cursor = int(std::distance(m.items.begin(), it));
-        break;
-    }
-    case 9: {
-        const int position = in.range(-2, n + 2);
-        const bool ok = position >= 0 && position < n;
-        FUZZ_CHECK(list.goToPosition(position) == ok);
-        if (ok)
-            m.cursor = position;
+    case 9: { // the first element, else the last, else the first occurrence
+        auto it = !d || n == 0     ? m.end()
+                  : m.front() == d ? m.begin()
+                  : m.back() == d  ? std::prev(m.end())
+                                   : std::find(m.begin(), m.end(), d);
+        FUZZ_CHECK(list.removeData(d) == (it != m.end()));
+        if (it != m.end())
+            m.erase(it);
         break;
     }
     case 10:
-        FUZZ_CHECK(list.reverseList() == (n >= 2));
-        if (n >= 2) {
-            m.items.reverse();
-            m.cursor = 0;
-        }
-        break;
-    case 11:
-        FUZZ_CHECK(list.removeFirstData() == removeFirst(m));
-        break;
-    case 12:
-        FUZZ_CHECK(list.removeLastData() == removeLast(m));
-        break;
-    case 13: {
-        const int position = in.range(-2, n + 1);
-        bool ok;
-        if (position == 0)
-            ok = removeFirst(m);
-        else if (position == n - 1)
-            ok = removeLast(m);
-        else if (position < 0 || position >= n)
-            ok = false;
-        else {
-            removeAt(m, position);
-            m.cursor = position - 1;
-            ok = true;
-        }
-        FUZZ_CHECK(list.removeData(position) == ok);
-        break;
-    }
-    case 14: {
-        void *d = pickData(in);
-        bool ok;
-        if (!d || n == 0)
-            ok = false;
-        else if (m.items.front() == d)
-            ok = removeFirst(m);
-        else if (m.items.back() == d)
-            ok = removeLast(m);
-        else {
-            const auto it = std::find(m.items.begin(), m.items.end(), d);
-            ok = it != m.items.end();
-            if (ok) {
-                const int position = int(std::distance(m.items.begin(), it));
-                m.items.erase(it);
-                m.cursor = position - 1;
-            } else {
-                m.cursor = n - 1;
-            }
-        }
-        FUZZ_CHECK(list.removeData(d) == ok);
-        break;
-    }
-    case 15:
         FUZZ_CHECK(list.removeAll(in.flag()) == (n > 0));
-        m = Model();
+        m.clear();
         break;
-    case 16: {
-        if (in.flag()) {
-            lists[which] = lists[1 - which];
-            models[which] = models[1 - which];
-            m.cursor = m.items.empty() ? -1 : 0;
-        } else {
-            ZEFPtrDList &self = list;
-            list = self; // does nothing, the cursor included
-        }
+    default: // from the other list, or from itself
+        lists[which] = lists[k & 1];
+        models[which] = models[k & 1];
         break;
-    }
-    default: {
-        ZEFPtrDList copy(list);
-        Model mc{m.items, m.items.empty() ? -1 : 0};
-        check(copy, mc);
-        break;
-    }
     }
 }
 
@@ -256,13 +120,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     Model models[2];
     for (int steps = 0; !in.empty() && steps < 400; ++steps) {
         step(in, lists, models);
-        check(lists[0], models[0]);
-        check(lists[1], models[1]);
-        for (int k = 0; k < 2; ++k)
+        for (int k = 0; k < 2; ++k) {
+            check(lists[k], models[k]);
             if (models[k].size() > 64) {
                 lists[k].removeAll(false);
-                models[k] = Model();
+                models[k].clear();
             }
+        }
     }
     return 0;
 }

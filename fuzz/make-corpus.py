@@ -1,12 +1,10 @@
 #!/usr/bin/env python3
-"""Writes the seed corpus of each fuzz target: a handful of small inputs from a
-seeded generator (the same files on every run), plus an empty input. Run it after
-adding a target; the fuzzers grow their own corpora from these."""
+"""Writes each fuzz target's seed corpus: an empty input and a few random ones from
+a seeded generator (the same files on every run). Run it after adding a target."""
 import os
 import random
 
-TARGETS = {
-    # name: (number of files, bytes per file)
+TARGETS = {  # name: (number of files, bytes per file)
     "ZEFBoolArrayFuzz": (6, 400),
     "IDGeneratorFuzz": (6, 300),
     "ZEFPtrDListFuzz": (6, 400),
@@ -22,8 +20,7 @@ for name, (count, size) in TARGETS.items():
     folder = os.path.join(here, "corpus", name)
     os.makedirs(folder, exist_ok=True)
     rng = random.Random(name)
-    with open(os.path.join(folder, "seed-empty"), "wb"):
-        pass
+    open(os.path.join(folder, "seed-empty"), "wb").close()
     for k in range(count):
         data = bytes(rng.randrange(256) for _ in range(rng.randrange(size // 4, size)))
         with open(os.path.join(folder, "seed-%d" % k), "wb") as f:
