@@ -48,12 +48,18 @@ float *EnhancedMathFunctions::getMat4fCopy(float const *const m) const {
 }
 
 void EnhancedMathFunctions::copyMat4fTo(float *const out, float const *const m) const {
-    // Word by word, ascending: bit exact, NaN payloads included; safe when out == m.
-    std::memmove(out, m, 16 * sizeof(float));
+    // As bytes: bit exact, NaN payloads included. All of m is read before out is
+    // written, so the two may overlap in any way. (Fixed-size copies: inlined,
+    // no call into the C library.)
+    float copy[16];
+    std::memcpy(copy, m, sizeof copy);
+    std::memcpy(out, copy, sizeof copy);
 }
 
 void EnhancedMathFunctions::copyVec3fTo(float *const out, float const *const v) const {
-    std::memmove(out, v, 3 * sizeof(float));
+    float copy[3];
+    std::memcpy(copy, v, sizeof copy);
+    std::memcpy(out, copy, sizeof copy);
 }
 
 void EnhancedMathFunctions::cross(float *const out, float const *a, float const *b) const {

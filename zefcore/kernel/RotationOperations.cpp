@@ -299,13 +299,13 @@ ZEFWIDE_INLINE void rotationFromQuaternion(float *const out, float const *const 
 }
 #if ZEFWIDE_X86
 // The same products and sums with AVX2 instructions; products of floats, so
-// fused steps.
+// fused steps. Doubling is exact, so 2*s - e fused rounds as the two steps.
 #define ZEFROT_COLUMN(OUT, Q, A, B, C, NEG, D, E)                                                            \
     do {                                                                                                     \
         const __m256d ab = _mm256_mul_pd(_mm256_permute4x64_pd(Q, A), _mm256_permute4x64_pd(Q, B));          \
         const __m256d s = _mm256_fmadd_pd(_mm256_mul_pd(_mm256_permute4x64_pd(Q, C), NEG),                   \
                                           _mm256_permute4x64_pd(Q, D), ab);                                  \
-        const __m128 r = _mm256_cvtpd_ps(_mm256_sub_pd(_mm256_mul_pd(_mm256_set1_pd(2.0), s), E));           \
+        const __m128 r = _mm256_cvtpd_ps(_mm256_fmsub_pd(_mm256_set1_pd(2.0), s, E));                        \
         _mm_storeu_ps(OUT, _mm_blend_ps(r, _mm_setzero_ps(), 0x8));                                          \
     } while (0)
 ZEFWIDE_AVX2 void rotationFromQuaternionAvx2(float *const out, float const *const q) {
