@@ -1,3 +1,5 @@
+// Quaternions bit for bit against double-then-round products, and round trips
+// between the rotation forms: Euler angles, axis and angle, quaternion, matrix.
 #include "zefcore/math/Quaternion.h"
 
 #include <gtest/gtest.h>
@@ -7,8 +9,18 @@
 #include <random>
 
 #include "support/TestSupport.h"
+#include "zefcore/math/MatRot4f.h"
 
 namespace {
+
+// Float error allowed between two routes to the same rotation, per element.
+constexpr float kRoundTripTolerance = 4e-6f;
+// A quaternion read from a matrix takes w from 1 + trace, a sum of rounded
+// elements, and divides by it: near a half turn its error grows as 1 / w^2.
+constexpr float kHalfTurnConditioning = 3e-7f;
+// Below this |w|, 1 + trace may round below zero and give NaN, as designed.
+constexpr float kNearHalfTurn = 1e-3f;
+constexpr float kPi = 3.14159265f;
 
 Quaternion make(const float *v) {
     Quaternion q;
@@ -27,6 +39,12 @@ Quaternion hamilton(const Quaternion &a, const Quaternion &b, double sign) {
     return make(out);
 }
 
+MatRot4f matrixOf(const Quaternion &q, const Vector3f &t) {
+    MatRot4f m;
+    m.setValue(q, t);
+    return m;
+}
+
 const float *g_out = nullptr, *g_a = nullptr, *g_b = nullptr;
 
 class RecordingKernel : public EnhancedMathFunctions {
@@ -41,7 +59,7 @@ public:
 
 TEST(Quaternion, ArithmeticBitForBit) {
     std::mt19937 rng(2024u);
-    for (int trial = 0; trial < 300; ++trial) {
+    for (int trial = 0; trial < 200; ++trial) {
         float x[4], y[4];
         zeftest::randomFloats(rng, x, 4, 1);
         zeftest::randomFloats(rng, y, 4, 1);
@@ -52,7 +70,6 @@ TEST(Quaternion, ArithmeticBitForBit) {
         ASSERT_TRUE(same(a * b, hamilton(a, b, 1)) && same(r, a * b) && same(star, a * b));
         ASSERT_TRUE(same(a / b, hamilton(a, b, -1)) && same(dv, a / b) && same(slash, a / b));
         ASSERT_TRUE(same(l, hamilton(b, a, 1)) && same(sq, hamilton(a, a, 1)));
-
         float dot = 0.0f;
         for (int k = 0; k < 4; ++k) {
             ASSERT_TRUE((a + b).getValue()[k] == float(double(x[k]) + y[k]) &&
@@ -68,7 +85,7 @@ TEST(Quaternion, ArithmeticBitForBit) {
     }
 }
 
-TEST(Quaternion, StatedExamples) {
+TEST(Quaternion, DegenerateCasesAndTheInstalledKernel) {
     Quaternion const id, q(0.3f, -1.1f, 2.5f);
     Quaternion two = id + id, zero = id - id;
     EXPECT_TRUE(same(id * q, q) && same(q * id, q));
@@ -81,18 +98,50 @@ TEST(Quaternion, StatedExamples) {
     for (const Quaternion &one : {p, Quaternion(v, v * -1.0f), Quaternion(Vector3f(), 1.3f),
                                   Quaternion(Vector3f(0, 0, 0.00001f), 2.0f)})
         EXPECT_TRUE(same(one, id));
+
+    zeftest::ScopedKernel<RecordingKernel> installed;
+    Quaternion s(0.1f, 0.2f, 0.3f);
+    Quaternion const r(Vector3f(1, 2, 3), 0.4f), expected = r * s;
+    EXPECT_TRUE(g_out != s.getValue() && g_a == r.getValue() && g_b == s.getValue());
+    s.multLeftBy(r);
+    // The receiver goes in as a copy, the result straight into it.
+    EXPECT_TRUE(g_out == s.getValue() && g_a == r.getValue() && g_b != s.getValue() && same(s, expected));
 }
 
-TEST(Quaternion, ReachesInstalledKernel) {
-    (new RecordingKernel)->setDefault();
-    Quaternion q(0.1f, 0.2f, 0.3f);
-    Quaternion const r(Vector3f(1, 2, 3), 0.4f), expected = r * q;
-    EXPECT_TRUE(g_out != q.getValue() && g_a == r.getValue() && g_b == q.getValue());
-    q.multLeftBy(r);
-    // The receiver goes in as a copy, the result straight into it.
-    EXPECT_TRUE(g_out == q.getValue() && g_a == r.getValue() && g_b != q.getValue() && same(q, expected));
-    (new EnhancedMathFunctions)->setDefault();
-    g_out = nullptr;
-    q *= r;
-    EXPECT_EQ(g_out, nullptr);
+// Every eighth trial lies next to a pole (|y| = 0.48 pi); every eighth other one is a half turn.
+TEST(RotationRoundTrip, FourFormsAgreeOnRandomRotations) {
+    std::mt19937 rng(99u);
+    std::uniform_real_distribution<float> angle(-kPi, kPi), coord(-2.0f, 2.0f);
+    for (int trial = 0; trial < 200; ++trial) {
+        float const x = angle(rng), z = angle(rng);
+        float const y = 0.48f * (trial % 8 == 0 ? (trial % 16 ? kPi : -kPi) : angle(rng));
+        float const a = trial % 8 == 1 ? kPi : 2.0f * angle(rng);
+        Vector3f const t(coord(rng), coord(rng), coord(rng)), axis(coord(rng), coord(rng), coord(rng));
+        MatRot4f const euler(x, y, z, t), byAxis(axis, a, t);
+        Quaternion const qe(x, y, z), qa(axis, a);
+        float e[3], m[3];
+        qe.getValue(e[0], e[1], e[2]);
+        MatRot4f(euler).getEuler(m);
+        SCOPED_TRACE(trial);
+        ASSERT_TRUE(MatRot4f(e[0], e[1], e[2], t).equalsAff(euler, kRoundTripTolerance));
+        ASSERT_TRUE(MatRot4f(m[0], m[1], m[2], t).equalsAff(euler, kRoundTripTolerance));
+        ASSERT_TRUE(matrixOf(qe, t).equalsAff(euler, kRoundTripTolerance));
+        ASSERT_TRUE(matrixOf(qa, t).equalsAff(byAxis, 0.0f)); // the same kernel route: the same bits
+        for (const MatRot4f *r : {&euler, &byAxis}) {
+            float const w = (r == &euler ? qe : qa).getValue()[0];
+            if (std::fabs(w) >= kNearHalfTurn)
+                ASSERT_TRUE(matrixOf(Quaternion(*r), t)
+                                .equalsAff(*r, kRoundTripTolerance + kHalfTurnConditioning / (w * w)));
+        }
+    }
+    // From one direction to another: the same rotation both ways, except for
+    // opposite directions, where only the matrix makes a half turn.
+    Vector3f const from(0.3f, -1.0f, 2.0f), to(1.5f, 0.25f, -0.5f), t(1, 2, 3);
+    EXPECT_TRUE(MatRot4f(from, to, t).equalsAff(matrixOf(Quaternion(from, to), t), 0.0f));
+    Quaternion const none(from, from * -2.0f);
+    EXPECT_TRUE(same(none, Quaternion()));
+    EXPECT_TRUE((MatRot4f(from, from * -2.0f, t) * from - t + from).norm() <= kRoundTripTolerance);
+    MatRot4f r(from, to, t);
+    Quaternion(from, to).getValue(r); // the translation becomes 0
+    EXPECT_TRUE(Vector3f(r.getValue() + 12).equals(Vector3f()));
 }

@@ -1,0 +1,326 @@
+// The vectors: float results bit for bit against double-then-round references in
+// their order of terms, zero divisors, and integer wrapping and truncation against
+// a 64-bit model.
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <initializer_list>
+#include <limits>
+#include <random>
+#include <type_traits>
+
+#include "support/TestSupport.h"
+#include "zefcore/math/Vector2f.h"
+#include "zefcore/math/Vector2i.h"
+#include "zefcore/math/Vector2s.h"
+#include "zefcore/math/Vector2ui.h"
+#include "zefcore/math/Vector3f.h"
+#include "zefcore/math/Vector4f.h"
+
+using zeftest::sameBits;
+
+namespace {
+
+const float kInf = std::numeric_limits<float>::infinity();
+const float kNaN = std::numeric_limits<float>::quiet_NaN();
+const double kFloatHalfPi = 1.5707963705062866, kFloatPi = 3.1415927410125732,
+             kFloatTwoPi = 6.2831854820251465;
+constexpr int kNoK = INT_MIN; // in a normalize case: normalize() without argument
+
+::testing::AssertionResult sameBits(const Vector3f &v, float x, float y, float z) {
+    return zeftest::sameBits(v.getValue(), {x, y, z});
+}
+::testing::AssertionResult sameBits(const Vector4f &v, float x, float y, float z, float w) {
+    return zeftest::sameBits(v.getValue(), {x, y, z, w});
+}
+
+template <class V>
+struct NormalizeCase {
+    V in;
+    int k;
+    float result;
+    V out;
+};
+
+// v.normalize() or v.normalize(k) returns the result (NaN matches NaN) and leaves out.
+template <class V>
+void checkNormalize(std::initializer_list<NormalizeCase<V>> cases) {
+    for (const NormalizeCase<V> &c : cases) {
+        V v = c.in;
+        const float got = c.k == kNoK ? v.normalize() : v.normalize(c.k);
+        EXPECT_TRUE((got == c.result || (std::isnan(got) && std::isnan(c.result))) && v == c.out)
+            << c.in.x() << " k " << c.k << ": " << got << ", " << v.x() << ", " << v.y();
+    }
+}
+
+// Random + - * / and dot on V against a 64-bit model wrapped to E after each step;
+// dot and norm2 are wrapped to 32 bits and read as int. A zero divisor leaves v.
+template <class V, class E, bool kDivides>
+void checkAgainstModel(unsigned seed) {
+    using W = std::conditional_t<std::is_signed<E>::value, std::int64_t, std::uint64_t>;
+    auto dot32 = [](E x, E y, E a, E b) {
+        return int(std::uint32_t(std::uint64_t(W(y) * W(b)) + std::uint64_t(W(x) * W(a))));
+    };
+    std::mt19937 rng(seed);
+    E mx = 0, my = 0;
+    V v;
+    for (int i = 0; i < 20000; ++i) {
+        const E a = E(rng()), b = E((rng() >> (rng() % 32)) * (rng() % 2 ? 1u : 0u - 1u));
+        switch (rng() % 5) {
+        case 0:
+            v = i % 2 ? v + V(a, b) : (v += V(a, b)), mx = E(W(mx) + W(a)), my = E(W(my) + W(b));
+            break;
+        case 1:
+            v = i % 2 ? v - V(a, b) : (v -= V(a, b)), mx = E(W(mx) - W(a)), my = E(W(my) - W(b));
+            break;
+        case 2:
+            v = i % 2 ? v * b : (v *= b), mx = E(W(mx) * W(b)), my = E(W(my) * W(b));
+            break;
+        case 3:
+            if constexpr (kDivides) {
+                v /= b, mx = b ? E(W(mx) / W(b)) : mx, my = b ? E(W(my) / W(b)) : my;
+                break;
+            }
+            // fall through
+        default:
+            ASSERT_TRUE(V::dot(v, V(a, b)) == dot32(mx, my, a, b) && v.norm2() == dot32(mx, my, mx, my)) << i;
+            v.setValue(a, b), mx = a, my = b;
+        }
+        ASSERT_FALSE(v != V(mx, my)) << "step " << i;
+    }
+}
+
+} // namespace
+
+TEST(Vector2f, ArithmeticAndAnglesMatchDoubleThenRound) {
+    Vector2f inf(1.0f, -2.0f), out(7.0f, 7.0f), z;
+    inf /= 0.0f; // divides directly, unlike the three-element vectors
+    Vector2f::div(out, Vector2f(0.0f, 1.0f), 0.0f);
+    EXPECT_TRUE(sameBits(inf.getValue(), {kInf, -kInf}) && std::isnan(out.x()));
+    EXPECT_TRUE(z.normalize() == 0.0f && z.normalize(3.0f) == 0.0f && z.x() == 0.0f);
+    EXPECT_EQ(Vector2f(Vector2f(1.0f, 2.0f), Vector2f(4.0f, 0.0f)).y(), -2.0f);
+    struct {
+        float x, y;
+        double angle;
+    } const directions[] = {{1, 0, 0},
+                            {0, 1, kFloatHalfPi},
+                            {0, 0, kFloatHalfPi},
+                            {0, -1, -kFloatHalfPi},
+                            {-1, -0.0f, kFloatPi},
+                            {1, -1, double(float(std::atan(-1.0))) + kFloatTwoPi}};
+    for (const auto &d : directions)
+        EXPECT_EQ(Vector2f(d.x, d.y).angle(), float(d.angle)) << d.x << ", " << d.y;
+    // Angle between: a zero vector, and cosines clamped at -1 and 1.
+    EXPECT_TRUE(Vector2f(1, 0).angle(Vector2f()) == 0.0f &&
+                Vector2f(1, 0).angle(Vector2f(-1, 0)) == float(kFloatPi));
+    EXPECT_EQ(Vector2f(2.0f, 0.0f).angle(Vector2f(3.0f, 0.0f)), 0.0f);
+    EXPECT_TRUE(Vector2f::compFloat(1.0f, 1.5f, 0.5f) == 0 &&
+                Vector2f::compFloat(1.0f, std::nextafter(1.5f, 2.0f), 0.5f) == -1);
+
+    std::mt19937 rng(3);
+    std::uniform_real_distribution<float> d(-10.0f, 10.0f);
+    int quotientRoundingShows = 0, cosineRoundingShows = 0;
+    for (int i = 0; i < 3000; ++i) {
+        const Vector2f a(d(rng), d(rng)), b(d(rng), d(rng));
+        const float k = d(rng);
+        const double ax = a.x(), ay = a.y();
+        ASSERT_TRUE(sameBits(a.cross(b), float(b.y() * ax - ay * b.x())));
+        const float n = float(std::sqrt(double(float(ay * ay + ax * ax)))), m = float(double(n) / k);
+        ASSERT_TRUE(sameBits(a.norm(), n) && sameBits((a / k).getValue(), {float(ax / k), float(ay / k)}));
+        Vector2f v = a;
+        ASSERT_TRUE(sameBits(v.normalize(), n) && sameBits(v.getValue(), {float(ax / n), float(ay / n)}));
+        v = a;
+        ASSERT_TRUE(sameBits(v.normalize(k), m) && sameBits(v.getValue(), {float(ax / m), float(ay / m)}));
+        // angle(): quotient, atan and sum each rounded to float.
+        const double q = ay / ax, add = ax < 0.0 ? kFloatPi : ay < 0.0 ? kFloatTwoPi : 0.0;
+        const float direction = float(double(float(std::atan(double(float(q))))) + add);
+        ASSERT_TRUE(sameBits(a.angle(), direction));
+        quotientRoundingShows += direction != float(double(float(std::atan(q))) + add);
+        // angle(b): the cosine is rounded to float before acos; the product of the norms is not.
+        const double nn = double(n) * b.norm(), e = double(float(ay * b.y() + ax * b.x()));
+        const float c = float(e / nn);
+        ASSERT_TRUE(sameBits(a.angle(b), float(std::acos(double(c)))));
+        cosineRoundingShows += float(std::acos(double(c))) != float(std::acos(e / nn));
+    }
+    EXPECT_TRUE(quotientRoundingShows > 0 && cosineRoundingShows > 0);
+}
+
+// Quotients are truncated from the double as on x86: INT_MIN where out of range or NaN,
+// of which Vector2s keeps the low 16 bits; Vector2ui keeps the low 32 bits of a 64-bit truncation.
+TEST(Vector2Integer, NormalizeTruncatesLikeTheProcessor) {
+    const float m8 = float(5.0 / 1e8), m5 = float(double(float(std::sqrt(2.0))) / 100000);
+    const std::int64_t t5 = std::int64_t(1.0 / m5);
+    ASSERT_GT(t5, SHRT_MAX);
+    checkNormalize<Vector2i>({{{5, 0}, kNoK, 5.0f, {1, 0}},
+                              {{3, -4}, kNoK, 5.0f, {0, 0}},
+                              {{0, 0}, kNoK, 0.0f, {0, 0}},
+                              {{0, 0}, 3, 0.0f, {0, 0}},
+                              {{3, 4}, -10, -0.5f, {-6, -8}},
+                              {{3, 4}, 0, kInf, {0, 0}},
+                              {{3, 4}, 100000000, m8, {int(3.0 / m8), int(4.0 / m8)}}, // 59999999, not 6e7
+                              {{1, 0}, INT_MAX, std::ldexp(1.0f, -31), {INT_MIN, 0}},  // 2^31: out of range
+                              {{40000, 30000}, kNoK, kNaN, {INT_MIN, INT_MIN}}});      // the norm2 wraps
+    checkNormalize<Vector2s>({{{3, 4}, 10, 0.5f, {6, 8}},
+                              {{1, -1}, 100000, m5, {short(t5), short(-t5)}},
+                              {{1, 0}, INT_MAX, std::ldexp(1.0f, -31), {0, 0}},
+                              {{-32768, -32768}, kNoK, kNaN, {0, 0}}});
+    checkNormalize<Vector2ui>({{{3, 4}, -10, -0.5f, {4294967290u, 4294967288u}},
+                               {{1, 0}, INT_MAX, std::ldexp(1.0f, -31), {2147483648u, 0}},
+                               {{40000, 30000}, kNoK, kNaN, {0, 0}},
+                               // converted as unsigned: the square wraps to 1
+                               {{4294967295u, 0}, 3, float(1.0 / 3), {4294966909u, 0}}});
+}
+
+TEST(Vector2Integer, WrapsLikeTheModel) {
+    // A zero divisor: div leaves out and operator/ gives zero.
+    Vector2s out(7, 8);
+    Vector2ui outU(7, 8);
+    Vector2s::div(out, Vector2s(1, 2), 0);
+    Vector2ui::div(outU, Vector2ui(1, 2), 0);
+    EXPECT_TRUE(out == Vector2s(7, 8) && Vector2s(1, 2) / short(0) == Vector2s(0, 0));
+    EXPECT_TRUE(outU == Vector2ui(7, 8) && Vector2ui(1, 2) / 0u == Vector2ui(0, 0));
+    checkAgainstModel<Vector2i, int, false>(21);
+    checkAgainstModel<Vector2s, short, true>(5);
+    checkAgainstModel<Vector2ui, unsigned, true>(8);
+}
+
+TEST(Vector3f, ArithmeticMatchesDoubleThenRoundAndAllowsAliasing) {
+    // The order of terms shows where products cancel: (1e20 - 1e20) + 1 (+ 1).
+    const Vector3f p(-1e10f, 1e10f, 1.0f), q(1e10f, 1e10f, 1.0f);
+    EXPECT_TRUE(p.dot(q) == 1.0f && Vector3f::dotD(p, q) == 1.0);
+    EXPECT_EQ(Vector4f::dot(Vector4f(-1e10f, 1e10f, 1.0f, 1.0f), Vector4f(1e10f, 1e10f, 1.0f, 1.0f)), 2.0f);
+    std::mt19937 rng(7);
+    std::uniform_real_distribution<float> d(-1000.0f, 1000.0f);
+    for (int i = 0; i < 3000; ++i) {
+        const Vector3f a(d(rng), d(rng), d(rng)), b(d(rng), d(rng), d(rng));
+        const float s = d(rng), w = d(rng), bw = d(rng);
+        const double ax = a.x(), ay = a.y(), az = a.z(), bx = b.x(), by = b.y(), bz = b.z(), dw = w;
+        const double dotD = (ay * by + ax * bx) + az * bz, n2 = (ay * ay + ax * ax) + az * az;
+        ASSERT_TRUE(sameBits(a * b, float(dotD)) && Vector3f::dotD(a, b) == dotD);
+        const float n = float(std::sqrt(double(float(n2))));
+        ASSERT_TRUE(sameBits(a.norm(), n) && a.normD() == std::sqrt(n2));
+        Vector3f c = a;
+        Vector3f::add(c, c, c);
+        ASSERT_TRUE(sameBits(c, float(ax + ax), float(ay + ay), float(az + az)));
+        c = a;
+        Vector3f::sub(c, b, c);
+        ASSERT_TRUE(sameBits(c, float(bx - ax), float(by - ay), float(bz - az)) &&
+                    sameBits(Vector3f(a, b), c.x(), c.y(), c.z()));
+        c = a;
+        c *= s;
+        ASSERT_TRUE(sameBits(c, float(ax * s), float(ay * s), float(az * s)));
+        ASSERT_TRUE(sameBits(a.multCoords(b), float(ax * bx), float(ay * by), float(az * bz)));
+        // Division and normalize multiply by a reciprocal rounded to float, also in place.
+        const float rs = float(1.0 / s), r = float(1.0 / n), m = float(double(n) / s), rm = float(1.0 / m);
+        c = a;
+        Vector3f::div(c, c, s);
+        ASSERT_TRUE(sameBits(c, float(ax * rs), float(ay * rs), float(az * rs)));
+        c = a;
+        ASSERT_TRUE(sameBits(c.normalize(), n) && sameBits(c, float(ax * r), float(ay * r), float(az * r)));
+        c = a;
+        ASSERT_TRUE(sameBits(c.normalize(s), m) &&
+                    sameBits(c, float(ax * rm), float(ay * rm), float(az * rm)));
+        // makeOrthogonalTo: dot rounded, products rounded, then differences.
+        c = a;
+        const Vector3f u = b / b.norm();
+        const double ux = u.x(), uy = u.y(), uz = u.z();
+        const float e = float((ay * uy + ax * ux) + az * uz);
+        ASSERT_TRUE(c.makeOrthogonalTo(u));
+        ASSERT_TRUE(
+            sameBits(c, float(ax - float(ux * e)), float(ay - float(uy * e)), float(az - float(uz * e))));
+
+        // The same rules with four elements.
+        const Vector4f a4(a.x(), a.y(), a.z(), w), b4(b.x(), b.y(), b.z(), bw);
+        ASSERT_EQ(Vector4f::dot(a4, b4), float(dotD + dw * bw));
+        Vector4f v = a4;
+        v -= b4;
+        ASSERT_TRUE(sameBits(v, float(ax - bx), float(ay - by), float(az - bz), float(dw - bw)));
+        const float n4 = float(std::sqrt(double(float(n2 + dw * dw))));
+        const float r4 = float(1.0 / n4), m4 = float(double(n4) / s), rm4 = float(1.0 / m4);
+        v = a4;
+        ASSERT_TRUE(v.normalize() == n4 &&
+                    sameBits(v, float(ax * r4), float(ay * r4), float(az * r4), float(dw * r4)));
+        v = a4;
+        ASSERT_TRUE(v.normalize(s) == m4 &&
+                    sameBits(v, float(ax * rm4), float(ay * rm4), float(az * rm4), float(dw * rm4)));
+    }
+}
+
+TEST(Vector3f, ZeroDivisorsAndNormalizeEdgeCases) {
+    const Vector3f v(1.0f, 2.0f, 3.0f);
+    Vector3f out(7.0f, 8.0f, 9.0f), w = v, z;
+    Vector3f::div(out, v, -0.0f);
+    w /= 0.0f;
+    EXPECT_TRUE(sameBits(out, 7.0f, 8.0f, 9.0f) && sameBits(w, 1.0f, 2.0f, 3.0f) &&
+                sameBits(v / 0.0f, 0, 0, 0));
+    // Denormal divisor: not zero, the reciprocal overflows to infinity.
+    EXPECT_TRUE(sameBits(v / std::numeric_limits<float>::denorm_min(), kInf, kInf, kInf));
+    EXPECT_TRUE(z.normalize() == 0.0f && z.normalize(2.0f) == 0.0f && sameBits(z, 0.0f, 0.0f, 0.0f));
+    w.setValue(3.0f, 0.0f, 4.0f);
+    EXPECT_TRUE(w.normalize(0.0f) == kInf && sameBits(w, 0.0f, 0.0f, 0.0f));
+    w.setValue(3.0f, 0.0f, 4.0f); // m == 0: the vector stays as it was
+    EXPECT_TRUE(w.normalize(kInf) == 0.0f && sameBits(w, 3.0f, 0.0f, 4.0f));
+    // A length whose square underflows to zero counts as zero: exact test on the float.
+    Vector3f tiny(1e-30f, 0.0f, 0.0f), small(1e-19f, 0.0f, 0.0f);
+    EXPECT_TRUE(tiny.normalize() == 0.0f && sameBits(tiny, 1e-30f, 0.0f, 0.0f));
+    EXPECT_TRUE(small.normalize() > 0.0f && small.x() > 0.5f); // a subnormal square is not zero
+
+    Vector4f v4(1.0f, 2.0f, 3.0f, 4.0f), out4(9.0f, 9.0f, 9.0f, 9.0f), z4;
+    EXPECT_TRUE(sameBits(Vector4f(v), 1.0f, 2.0f, 3.0f, 1.0f) && sameBits(v4 / 0.0f, 0, 0, 0, 0));
+    v4 /= 0.0f;
+    Vector4f::div(out4, v4, 0.0f);
+    EXPECT_TRUE(v4.normalize(kInf) == 0.0f && z4.normalize() == 0.0f && z4.normalize(2.0f) == 0.0f);
+    EXPECT_TRUE(sameBits(v4, 1.0f, 2.0f, 3.0f, 4.0f) && sameBits(out4, 9.0f, 9.0f, 9.0f, 9.0f));
+    Vector4f::inverse(v4, v4);
+    EXPECT_TRUE(sameBits(v4, -1.0f, -2.0f, -3.0f, -4.0f));
+}
+
+TEST(Vector3f, ComparisonsAnglesAndOrthogonals) {
+    const float tiny = -std::ldexp(1.0f, -30);
+    const Vector3f x(1.0f, 0.0f, 0.0f), y(0.0f, 1.0f, 0.0f), zAxis(0.0f, 0.0f, 1.0f), a(1.0f, 2.0f, 3.0f);
+    EXPECT_TRUE(a.equalsEps(Vector3f(1.5f, 1.5f, 3.5f), 0.5f) &&
+                !a.equalsEps(Vector3f(1, 2, std::nextafter(3.5f, 4.0f)), 0.5f));
+    EXPECT_TRUE(Vector3f(kNaN, 2, 3).equalsEps(a, 0.0f) &&
+                !Vector3f(kNaN, 2, 3).equals(Vector3f(kNaN, 2, 3)));
+    EXPECT_TRUE(Vector3f(-0.0f, 0, 0).equals(Vector3f()));
+    EXPECT_TRUE(Vector3f::compFloat(1.0f, 2.0f, 0.5f) == -1 && Vector3f::compFloat(2.0f, 1.0f, 0.5f) == 1);
+    EXPECT_TRUE(Vector3f::compFloat(1.0f, 1.5f, 0.5f) == 0 && Vector3f::compFloat(kNaN, 1.0f, 0.5f) == 0);
+    // The difference is rounded to float first: 1 + 2^-30 rounds to 1, which equals eps.
+    EXPECT_TRUE(Vector3f::compFloat(1.0f, tiny, 1.0f) == 0 && Vector3f::compFloat(tiny, 1.0f, 1.0f) == 0);
+
+    EXPECT_TRUE(x.angleD(-x) == 3.141592653589793 && x.angle(Vector3f::m_zero) == 0.0f &&
+                Vector3f::m_zero.cos(x) == 1.0);
+    EXPECT_TRUE(x.angleOrientD(y, zAxis) == std::acos(0.0) && x.angleOrientD(x, zAxis) == 6.283185307179586);
+    EXPECT_EQ(x.angleOrientD(y, -zAxis), 6.283185307179586 - std::acos(0.0));
+    // A vector with itself: some cosines compute above 1 in double and are clamped.
+    std::mt19937 rng(99);
+    std::uniform_real_distribution<float> d(-10.0f, 10.0f);
+    int above = 0;
+    for (int i = 0; i < 1000; ++i) {
+        const Vector3f v(d(rng), d(rng), d(rng));
+        const double vx = v.x(), vy = v.y(), vz = v.z(), l = std::sqrt(vx * vx + vy * vy + vz * vz);
+        const double c = (vx * vx + vy * vy + vz * vz) / (l * l);
+        above += c > 1.0;
+        ASSERT_TRUE(v.angleD(v) == (c > 1.0 ? 0.0 : std::acos(c)) && v.cos(v) == (c > 1.0 ? 1.0 : c));
+    }
+    EXPECT_GT(above, 0);
+
+    // selfCross works through a temporary: this is both operand and result.
+    Vector3f s(1.0f, 2.0f, 3.0f);
+    s.selfCross(Vector3f(4.0f, 5.0f, 6.0f));
+    EXPECT_TRUE(sameBits(s, -3.0f, 6.0f, -3.0f) && sameBits(x ^ y, 0, 0, 1.0f));
+    // findOrthogonalVector crosses the axis of the smallest element with this; ties go to the first.
+    const Vector3f cases[][2] = {{{0, 0, 1}, {0, -1, 0}},
+                                 {{1, 1, 1}, {0, -1, 1}},
+                                 {{2, 1, 1}, {1, 0, -2}},
+                                 {{-3, 2, -1}, {-2, -3, 0}}};
+    for (const auto &c : cases) {
+        Vector3f o(9.0f, 9.0f, 9.0f);
+        c[0].findOrthogonalVector(o);
+        EXPECT_TRUE(sameBits(o, c[1].x(), c[1].y(), c[1].z())) << c[0].x();
+    }
+    EXPECT_TRUE(sameBits(Vector3f::m_axis[3], -1.0f, 0.0f, 0.0f) &&
+                sameBits(Vector3f::m_axis[5], 0, 0, -1.0f));
+}
