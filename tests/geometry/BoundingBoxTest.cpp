@@ -1,4 +1,4 @@
-#include "zefcore/geometry/BoundingBox.h"
+#include "zefcore/geometry/BoundingBox2D.h"
 
 #include <gtest/gtest.h>
 
@@ -11,60 +11,66 @@ bool spans(const BoundingBox &box, const Vector3f &lo, const Vector3f &hi) {
 }
 } // namespace
 
+// The marker (1, 0, 0)-(0, 0, 0) is judged by x alone; the fast path reads it as coordinates
+// and moves m_max only for a coordinate not below m_min.
 TEST(BoundingBox, EmptyMarkerAndFastPath) {
-    BoundingBox box, empty;
+    BoundingBox box, below;
     EXPECT_TRUE(!box.isInitialized() && spans(box, Vector3f(1, 0, 0), Vector3f(0, 0, 0)));
-    box.add(Vector3f(5, 6, 7)); // the zeros of y and z take no part
-    box.add(Vector3f(1, 9, 7));
-    box.add(empty);
-    box.add(box); // aliasing
-    EXPECT_TRUE(spans(box, Vector3f(1, 6, 7), Vector3f(5, 9, 7)));
-    box.clear(); // x only
-    EXPECT_TRUE(spans(box, Vector3f(1, 6, 7), Vector3f(0, 9, 7)));
-    empty.m_min.y() = 50.0f;
-    box.set(empty); // an empty box is copied as empty
-    EXPECT_TRUE(!box.isInitialized() && box.m_min.y() == 50.0f);
-    box.m_max.x() = 1.0f; // y out of order: x alone decides
+    box.addInitialized(Vector3f(5, 6, -7));
+    below.addInitialized(Vector3f(0.5f, 0, 0));
+    EXPECT_TRUE(spans(box, Vector3f(1, 0, -7), Vector3f(5, 6, 0)) &&
+                spans(below, Vector3f(0.5f, 0, 0), Vector3f()));
+    box.m_min = Vector3f(0, 9, 9); // y and z out of order
     EXPECT_TRUE(box.isInitialized());
-
-    // The fast path does not test the state: the marker counts as coordinates.
-    BoundingBox fast, below;
-    fast.addInitialized(Vector3f(5, 6, -7));
-    EXPECT_TRUE(spans(fast, Vector3f(1, 0, -7), Vector3f(5, 6, 0)));
-    below.addInitialized(Vector3f(0.5f, 0, 0)); // below m_min: m_min moves, m_max does not
-    EXPECT_TRUE(spans(below, Vector3f(0.5f, 0, 0), Vector3f(0, 0, 0)));
 }
 
-// Points, boxes (empty or not) and clears, which leave y and z behind, against a model;
-// contains on integer coordinates, so that borders are hit.
+// Points (by add or the fast path), boxes (empty or not) and clears, which leave y and z
+// behind, against a model on integer coordinates, so that borders are hit. Each step also
+// checks the box's rectangle (set, clear, contains, intersect) against closed intervals.
 TEST(BoundingBox, RandomSequencesMatchAModel) {
     std::mt19937 rng(4);
-    auto coord = [&] { return float(int(rng() % 21) - 10); };
+    auto coord = [&] { return float(int(rng() % 13) - 6); };
     BoundingBox box;
-    bool modelEmpty = true;
+    bool empty = true;
     float lo[3] = {}, hi[3] = {};
-    for (int step = 0; step < 20000; ++step) {
+    for (int step = 0; step < 30000; ++step) {
         const int op = int(rng() % 10);
-        const Vector3f p(coord(), coord(), coord()), q(coord(), coord(), coord());
-        BoundingBox other; // empty unless op == 2
-        if (op == 2)
-            other.add(p), other.add(q);
+        const Vector3f p(coord(), coord(), coord()), q(coord(), coord(), coord()),
+            s(coord(), coord(), coord());
+        BoundingBox other, old = box;
+        other.set(q), other.add(s);
+        if (op == 1)
+            other.clear();
         if (op == 0)
-            box.clear(), modelEmpty = true;
+            box.clear(), empty = true;
+        else if (op <= 2)
+            box.add(other);
         else
-            op <= 2 ? box.add(other) : box.add(p);
+            op == 3 && !empty ? box.addInitialized(p) : box.add(p);
         for (int i = 0; i < 3 && op >= 2; ++i) {
-            const float a = op == 2 ? std::min(p[i], q[i]) : p[i], b = op == 2 ? std::max(p[i], q[i]) : p[i];
-            lo[i] = modelEmpty ? a : std::min(lo[i], a);
-            hi[i] = modelEmpty ? b : std::max(hi[i], b);
+            const float a = op == 2 ? std::min(q[i], s[i]) : p[i], b = op == 2 ? std::max(q[i], s[i]) : p[i];
+            lo[i] = empty ? a : std::min(lo[i], a);
+            hi[i] = empty ? b : std::max(hi[i], b);
         }
-        modelEmpty = modelEmpty && op < 2;
-        ASSERT_EQ(box.isInitialized(), !modelEmpty);
-        bool inside = !modelEmpty;
+        empty = empty && op < 2;
+        ASSERT_EQ(box.isInitialized(), !empty);
+        ASSERT_TRUE(op != 0 || spans(box, Vector3f(1, old.m_min.y(), old.m_min.z()),
+                                     Vector3f(0, old.m_max.y(), old.m_max.z())));
+        BoundingBox2D r, o;
+        r.set(box), o.set(other);
+        if (step % 5 == 0)
+            r.clear(); // x only
+        ASSERT_TRUE(r.m_min.y() == box.m_min.y() && r.m_max.y() == box.m_max.y());
+        bool in3 = !empty, in2 = !empty && step % 5 != 0, meet = in2 && op != 1;
         for (int i = 0; i < 3; ++i) {
-            ASSERT_TRUE(modelEmpty || (box.m_min[i] == lo[i] && box.m_max[i] == hi[i])) << step;
-            inside = inside && lo[i] <= q[i] && q[i] <= hi[i];
+            ASSERT_TRUE(empty || (box.m_min[i] == lo[i] && box.m_max[i] == hi[i])) << step;
+            in3 = in3 && lo[i] <= q[i] && q[i] <= hi[i];
+            in2 = in2 && (i == 2 || (lo[i] <= s[i] && s[i] <= hi[i]));
+            meet = meet && (i == 2 || (lo[i] <= std::max(q[i], s[i]) && std::min(q[i], s[i]) <= hi[i]));
         }
-        ASSERT_EQ(box.contains(q), inside);
+        ASSERT_EQ(box.contains(q), in3);
+        ASSERT_TRUE(r.contains(Vector3f(s.x(), s.y(), 99)) == in2 && r.intersect(o) == meet &&
+                    o.intersect(r) == meet)
+            << step;
     }
 }
