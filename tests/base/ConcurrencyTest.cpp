@@ -14,9 +14,6 @@
 #include "zefcore/base/ZEFTimer.h"
 #include "zefcore/geometry/BoundingBox.h"
 #include "zefcore/geometry/BoundingBoxAlgo.h"
-#include "zefcore/geometry/Distances.h"
-#include "zefcore/geometry/Intersections.h"
-#include "zefcore/geometry/Plane.h"
 #include "zefcore/geometry/PlaneFigureQueries.h"
 #include "zefcore/kernel/EnhancedMathFunctions.h"
 #include "zefcore/math/Matrix4f.h"
@@ -40,7 +37,7 @@ std::vector<float> runBatch(unsigned seed, const Shared &shared) {
     auto push = [&out](const float *v, int n) { out.insert(out.end(), v, v + n); };
     const EnhancedMathFunctions *kernel = EnhancedMathFunctions::getCurrent();
     for (int c = 0; c < kCases; ++c) {
-        float m[16], rot[16], back[4], evalues[3], evectors[3][3], ex, ey, ez, t;
+        float m[16], rot[16], back[4], evalues[3], evectors[3][3], ex, ey, ez;
         for (float &x : m)
             x = unit(rng) * 4.0f;
         Matrix4f a(m), inv(m);
@@ -55,14 +52,8 @@ std::vector<float> runBatch(unsigned seed, const Shared &shared) {
         out.insert(out.end(), {ex, ey, ez, float(kernel->RotMatrixToQuaternion(back, rot))});
         push(qr.getValue(), 4), push(rot, 16), push(back, 4);
 
-        const Vector3f u(unit(rng), unit(rng), unit(rng)), v(unit(rng), unit(rng), unit(rng)), w = u ^ v;
-        Plane plane;
-        plane.setFromNormalPoint(u, v);
-        const ZEFLine line(v, u, true);
-        Vector3f hit, nearest;
-        out.push_back(float(interLinePlane(hit, t, line, plane)));
-        out.push_back(distancePointLine(w, line, nearest));
-        push((shared.view * w).getValue(), 3), push(hit.getValue(), 3), push(nearest.getValue(), 3);
+        const Vector3f u(unit(rng), unit(rng), unit(rng)), w = u ^ Vector3f(unit(rng), unit(rng), unit(rng));
+        push((shared.view * w).getValue(), 3);
         BoundingBox seen;
         out.push_back(float(BoundingBoxAlgo::cameraProjBBox(seen, shared.box, shared.view, 0.1f)));
         push(seen.getMin().getValue(), 3), push(seen.getMax().getValue(), 3);
