@@ -45,16 +45,6 @@ MatRot4f matrixOf(const Quaternion &q, const Vector3f &t) {
     return m;
 }
 
-const float *g_out = nullptr, *g_a = nullptr, *g_b = nullptr;
-
-class RecordingKernel : public EnhancedMathFunctions {
-public:
-    void multQuaternions(float *const o, float const *const a, float const *const b) const override {
-        g_out = o, g_a = a, g_b = b;
-        EnhancedMathFunctions::multQuaternions(o, a, b);
-    }
-};
-
 } // namespace
 
 TEST(Quaternion, ArithmeticBitForBit) {
@@ -85,7 +75,7 @@ TEST(Quaternion, ArithmeticBitForBit) {
     }
 }
 
-TEST(Quaternion, DegenerateCasesAndTheInstalledKernel) {
+TEST(Quaternion, DegenerateCases) {
     Quaternion const id, q(0.3f, -1.1f, 2.5f);
     Quaternion two = id + id, zero = id - id;
     EXPECT_TRUE(same(id * q, q) && same(q * id, q));
@@ -98,14 +88,6 @@ TEST(Quaternion, DegenerateCasesAndTheInstalledKernel) {
     for (const Quaternion &one : {p, Quaternion(v, v * -1.0f), Quaternion(Vector3f(), 1.3f),
                                   Quaternion(Vector3f(0, 0, 0.00001f), 2.0f)})
         EXPECT_TRUE(same(one, id));
-
-    zeftest::ScopedKernel<RecordingKernel> installed;
-    Quaternion s(0.1f, 0.2f, 0.3f);
-    Quaternion const r(Vector3f(1, 2, 3), 0.4f), expected = r * s;
-    EXPECT_TRUE(g_out != s.getValue() && g_a == r.getValue() && g_b == s.getValue());
-    s.multLeftBy(r);
-    // The receiver goes in as a copy, the result straight into it.
-    EXPECT_TRUE(g_out == s.getValue() && g_a == r.getValue() && g_b != s.getValue() && same(s, expected));
 }
 
 // Every eighth trial lies next to a pole (|y| = 0.48 pi); every eighth other one is a half turn.
@@ -113,15 +95,16 @@ TEST(RotationRoundTrip, FourFormsAgreeOnRandomRotations) {
     std::mt19937 rng(99u);
     std::uniform_real_distribution<float> angle(-kPi, kPi), coord(-2.0f, 2.0f);
     for (int trial = 0; trial < 200; ++trial) {
-        float const x = angle(rng), z = angle(rng);
-        float const y = 0.48f * (trial % 8 == 0 ? (trial % 16 ? kPi : -kPi) : angle(rng));
+        float const x = angle(rng), z = angle(rng),
+                    y = 0.48f * (trial % 8 == 0 ? (trial % 16 ? kPi : -kPi) : angle(rng));
         float const a = trial % 8 == 1 ? kPi : 2.0f * angle(rng);
         Vector3f const t(coord(rng), coord(rng), coord(rng)), axis(coord(rng), coord(rng), coord(rng));
         MatRot4f const euler(x, y, z, t), byAxis(axis, a, t);
         Quaternion const qe(x, y, z), qa(axis, a);
         float e[3], m[3];
         qe.getValue(e[0], e[1], e[2]);
-        MatRot4f(euler).getEuler(m);
+        MatRot4f read(euler);
+        trial % 2 ? read.getEuler(m) : read.getEuler(m[0], m[1], m[2]);
         SCOPED_TRACE(trial);
         ASSERT_TRUE(MatRot4f(e[0], e[1], e[2], t).equalsAff(euler, kRoundTripTolerance));
         ASSERT_TRUE(MatRot4f(m[0], m[1], m[2], t).equalsAff(euler, kRoundTripTolerance));
@@ -129,9 +112,8 @@ TEST(RotationRoundTrip, FourFormsAgreeOnRandomRotations) {
         ASSERT_TRUE(matrixOf(qa, t).equalsAff(byAxis, 0.0f)); // the same kernel route: the same bits
         for (const MatRot4f *r : {&euler, &byAxis}) {
             float const w = (r == &euler ? qe : qa).getValue()[0];
-            if (std::fabs(w) >= kNearHalfTurn)
-                ASSERT_TRUE(matrixOf(Quaternion(*r), t)
-                                .equalsAff(*r, kRoundTripTolerance + kHalfTurnConditioning / (w * w)));
+            float const tolerance = kRoundTripTolerance + kHalfTurnConditioning / (w * w);
+            ASSERT_TRUE(std::fabs(w) < kNearHalfTurn || matrixOf(Quaternion(*r), t).equalsAff(*r, tolerance));
         }
     }
     // From one direction to another: the same rotation both ways, except for

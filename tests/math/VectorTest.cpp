@@ -85,7 +85,7 @@ void checkAgainstModel(unsigned seed) {
             }
             // fall through
         default:
-            ASSERT_TRUE(V::dot(v, V(a, b)) == dot32(mx, my, a, b) && v.norm2() == dot32(mx, my, mx, my)) << i;
+            ASSERT_TRUE(v.dot(V(a, b)) == dot32(mx, my, a, b) && v.norm2() == dot32(mx, my, mx, my)) << i;
             v.setValue(a, b), mx = a, my = b;
         }
         ASSERT_FALSE(v != V(mx, my)) << "step " << i;
@@ -267,8 +267,11 @@ TEST(Vector3f, ZeroDivisorsAndNormalizeEdgeCases) {
     EXPECT_TRUE(tiny.normalize() == 0.0f && sameBits(tiny, 1e-30f, 0.0f, 0.0f));
     EXPECT_TRUE(small.normalize() > 0.0f && small.x() > 0.5f); // a subnormal square is not zero
 
-    Vector4f v4(1.0f, 2.0f, 3.0f, 4.0f), out4(9.0f, 9.0f, 9.0f, 9.0f), z4;
-    EXPECT_TRUE(sameBits(Vector4f(v), 1.0f, 2.0f, 3.0f, 1.0f) && sameBits(v4 / 0.0f, 0, 0, 0, 0));
+    const Vector4f h(v);
+    Vector4f v4, out4(9.0f, 9.0f, 9.0f, 9.0f), z4;
+    v4.setValue(1.0f, 2.0f, 3.0f, 4.0f);
+    EXPECT_TRUE(h.x() == 1.0f && h.y() == 2.0f && h.z() == 3.0f && h.w() == 1.0f &&
+                sameBits(v4 / 0.0f, 0, 0, 0, 0));
     v4 /= 0.0f;
     Vector4f::div(out4, v4, 0.0f);
     EXPECT_TRUE(v4.normalize(kInf) == 0.0f && z4.normalize() == 0.0f && z4.normalize(2.0f) == 0.0f);
