@@ -164,17 +164,17 @@ void runOp(const K &k, const Op &op, const float *opA, const float *opB, const E
 
 } // namespace
 
+// Every input runs every operation, at least once: past the end of the input all operands are 0.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     FuzzInput in(data, size);
     const K &k = *K::getCurrent();
-    for (int steps = 0; !in.empty() && steps < 64; ++steps) {
-        const Op &op = kOps[in.range(0, int(sizeof kOps / sizeof kOps[0]) - 1)];
-        float a[16], b[16];
-        for (float &f : a)
-            f = in.anyFloat();
-        for (float &f : b)
-            f = in.anyFloat();
-        runOp(k, op, a, b, Extra{in.anyFloat(), in.range(-2, 6)});
-    }
+    do {
+        for (const Op &op : kOps) {
+            float a[16], b[16];
+            for (int i = 0; i < op.aLen + op.bLen; ++i)
+                (i < op.aLen ? a[i] : b[i - op.aLen]) = in.anyFloat();
+            runOp(k, op, a, b, Extra{in.anyFloat(), in.range(-2, 6)});
+        }
+    } while (!in.empty());
     return 0;
 }

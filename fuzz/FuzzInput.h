@@ -1,8 +1,7 @@
-// The fuzz targets' shared parts. FuzzInput turns the fuzzer's bytes into operations
-// and arguments and never fails: past the end every read gives zero, so any input,
-// even empty, decodes to a valid sequence (multi-byte values little-endian).
-// FUZZ_CHECK reports a finding: it prints the condition and aborts, which libFuzzer
-// records as a crash (keeping the input) and which fails the replay program.
+// The fuzz targets' shared parts. FuzzInput turns the fuzzer's bytes into operations and
+// arguments and never fails: past the end every read gives zero, so any input, even empty,
+// decodes to a valid sequence. FUZZ_CHECK reports a finding: it prints the condition and
+// aborts, which libFuzzer records as a crash (keeping the input) and fails the replay program.
 #pragma once
 
 #include <cfloat>
@@ -14,6 +13,13 @@
 #include <cstring>
 #include <limits>
 
+#define FUZZ_CHECK(cond) ((cond) ? void(0) : fuzzFailed(__FILE__, __LINE__, #cond))
+
+[[noreturn]] inline void fuzzFailed(const char *file, int line, const char *condition) {
+    std::fprintf(stderr, "%s:%d: check failed: %s\n", file, line, condition);
+    std::abort();
+}
+
 class FuzzInput {
 public:
     FuzzInput(const uint8_t *data, size_t size) : m_data(data), m_size(size) {}
@@ -21,23 +27,20 @@ public:
     bool empty() const { return m_pos >= m_size; }
     uint8_t byte() { return m_pos < m_size ? m_data[m_pos++] : 0; }
     bool flag() { return (byte() & 1) != 0; }
-    uint32_t u32() {
+    uint32_t u32() { // little-endian
         uint32_t v = 0;
         for (int i = 0; i < 4; ++i)
             v |= uint32_t(byte()) << (8 * i);
         return v;
     }
     int32_t i32() { return bitCast<int32_t>(u32()); }
-
     // Returns a value in [lo, hi], both included; lo when the input is exhausted.
     int range(int lo, int hi) {
         const uint64_t span = uint64_t(int64_t(hi) - int64_t(lo)) + 1;
         return int(int64_t(lo) + int64_t(span <= 256 ? byte() % span : u32() % span));
     }
-
-    // Returns, by a leading byte, a float of raw bits (any NaN payload, infinity,
-    // subnormal, -0), a special or tolerance-bound value, or a small fraction
-    // n / 4 that makes figures meet.
+    // Returns, by a leading byte, a float of raw bits (any NaN payload, infinity, subnormal,
+    // -0), a special or tolerance-bound value, or a small fraction n / 4 that makes figures meet.
     float anyFloat() {
         using L = std::numeric_limits<float>;
         constexpr float inf = L::infinity(), nan = L::quiet_NaN(), sNaN = L::signaling_NaN();
@@ -49,11 +52,7 @@ public:
             FLT_MIN,    tiny,       -tiny, inf,    -inf,        nan,      -nan,      sNaN,
             1.5707964f, 3.1415927f, 1e30f, -1e30f, FLT_EPSILON, 0.00001f, 0.000001f, 100.0f};
         const uint8_t kind = byte();
-        if (kind < 80)
-            return bitCast<float>(u32());
-        if (kind < 160)
-            return table[byte() % (sizeof table / sizeof table[0])];
-        return smallFloat();
+        return kind < 80 ? bitCast<float>(u32()) : kind < 160 ? table[byte() % 32] : smallFloat();
     }
     float smallFloat() { return float(int8_t(byte())) / 4.0f; }
 
@@ -71,20 +70,11 @@ private:
     size_t m_pos = 0;
 };
 
-#define FUZZ_CHECK(cond)                                                                                     \
-    do {                                                                                                     \
-        if (!(cond)) {                                                                                       \
-            std::fprintf(stderr, "%s:%d: check failed: %s\n", __FILE__, __LINE__, #cond);                    \
-            std::abort();                                                                                    \
-        }                                                                                                    \
-    } while (0)
-
 inline bool sameBits(const float *a, const float *b, int n) {
-    return std::memcmp(a, b, sizeof(float) * size_t(n)) == 0;
+    return n == 0 || std::memcmp(a, b, sizeof(float) * size_t(n)) == 0;
 }
-
-// Same bits, or both NaN: for results whose NaN payload depends on which operand
-// an instruction happens to propagate.
+// Same bits, or both NaN: for results whose NaN payload depends on which operand an
+// instruction happens to propagate.
 template <class T>
 bool sameValue(T a, T b) {
     return std::memcmp(&a, &b, sizeof a) == 0 || (std::isnan(a) && std::isnan(b));

@@ -11,8 +11,8 @@ TARGETS = {  # name: (number of files, bytes per file)
     "ZEFKeyArrayFuzz": (6, 300),
     "BinarySortFuzz": (6, 200),
     "LUDecompFuzz": (6, 600),
-    "EnhancedMathFunctionsFuzz": (8, 600),
-    "GeometryQueriesFuzz": (8, 600),
+    "EnhancedMathFunctionsFuzz": (8, 8000),
+    "GeometryQueriesFuzz": (8, 4000),
 }
 
 here = os.path.dirname(os.path.abspath(__file__))
