@@ -91,39 +91,23 @@ TEST(LUDecomp, EliminationTakesTheFirstRowLargeEnough) {
         bool regular;
         Mat wantA, wantB; // a prefix of the results
     } const cases[] = {
-        {{0.00005, 1, 1, 1},
-         {1, 2},
-         true,
-         {1, 1, 0, 1 - 0.00005},
-         {2, 1 - 0.00005 * 2}}, // refused: rows swapped
-        {{0.0002, 1, 1, 1},
-         {1, 2},
-         true,
-         {0.0002, 1, 0, 1 - 1 / 0.0002},
-         {1, 2 - 1 / 0.0002}}, // not the largest
+        // Large enough though not the largest; on the bound; below it, the NaN of the next row.
+        {{0.0002, 1, 1, 1}, {1, 2}, true, {0.0002, 1, 0, 1 - 1 / 0.0002}, {1, 2 - 1 / 0.0002}},
         {{kPivotBound, 1, 1, 1},
          {5, 6},
          true,
          {kPivotBound, 1, 0, 1 - 1 / kPivotBound},
          {5, 6 - (1 / kPivotBound) * 5}},
-        {{kBelowPivot, 1, kNaN, 1},
-         {5, 6},
-         true,
-         {kNaN, 1, 0, kNaN},
-         {6, kNaN}}, // a NaN counts as large enough
-        {{0, 1, 2, 3, kBelowPivot, 5, 1, 2, 0.5, 1, 7, 1, 9, 2, 1, 8},
-         {1, 2, 3, 4},
-         true,
-         {0.5, 1, 7, 1},
-         {3}},
-        {{1, 2, 2, 4}, {1, 1}, false, {1, 2, 0, 0}, {1, -1}}, // singular: last diagonal 0
-        // Column 0 has no usable pivot: dropped below the diagonal, nothing else changes.
+        {{kBelowPivot, 1, kNaN, 1}, {5, 6}, true, {kNaN, 1, 0, kNaN}, {6, kNaN}},
+        // Singular: last diagonal 0. Column 0 without pivot: only zeroed below the diagonal.
+        {{1, 2, 2, 4}, {1, 1}, false, {1, 2, 0, 0}, {1, -1}},
         {{0.00002, 1, 0, 0.00003, 2, 1, 0.00009, 1, 3},
          {1, 2, 3},
          true,
          {0.00002, 1, 0, 0, 2, 1, 0, 0, 2.5},
          {1, 2, 2}},
-        {{1, 0, 0, kFinalBound}, {1, 1}, true, {1, 0, 0, kFinalBound}, {1, 1}}, // the final bound passes
+        // The final bound passes; the next double below it fails.
+        {{1, 0, 0, kFinalBound}, {1, 1}, true, {1, 0, 0, kFinalBound}, {1, 1}},
         {{1, 0, 0, -std::nextafter(kFinalBound, 0.0)}, {1, 1}, false, {}, {}},
     };
     for (const auto &c : cases) {

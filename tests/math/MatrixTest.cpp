@@ -54,20 +54,24 @@ float columnLength(const Mat4fBase &m, int c) {
         double(float(double(col[0]) * col[0] + double(col[1]) * col[1] + double(col[2]) * col[2]))));
 }
 
-// Records what the classes hand to the kernel, and still computes with the base class.
-int g_products = 0, g_affineProducts = 0, g_jacobi = 0, g_axisQuaternions = 0, g_translates = 0;
+// Records what the classes hand to the kernel (whose products must not write over an
+// operand), and still computes with the base class.
+int g_aliased = 0, g_products = 0, g_affineProducts = 0, g_jacobi = 0, g_axisQuaternions = 0,
+    g_translates = 0;
 const float *g_out = nullptr, *g_a = nullptr, *g_b = nullptr;
 std::vector<Vector4f> g_vec4;
 class RecordingKernel : public EnhancedMathFunctions {
 public:
     void multMatrices(float *const o, float const *const a, float const *const b) const override {
-        ++g_products, g_out = o, g_a = a, g_b = b, EnhancedMathFunctions::multMatrices(o, a, b);
+        ++g_products, g_out = o, g_a = a, g_b = b, g_aliased += o == a || o == b;
+        EnhancedMathFunctions::multMatrices(o, a, b);
     }
     void multMatrixVec4f(float *const o, float const *const m, float const *const v) const override {
         g_vec4.emplace_back(v), EnhancedMathFunctions::multMatrixVec4f(o, m, v);
     }
     void multAffineMatrices(float *const o, float const *const a, float const *const b) const override {
-        ++g_affineProducts, EnhancedMathFunctions::multAffineMatrices(o, a, b);
+        ++g_affineProducts, g_aliased += o == a || o == b;
+        EnhancedMathFunctions::multAffineMatrices(o, a, b);
     }
     void jacobi3(float *const e, float (*const v)[3], int &rots, float const *const m) const override {
         ++g_jacobi, EnhancedMathFunctions::jacobi3(e, v, rots, m);
@@ -490,6 +494,9 @@ TEST(Matrix4f, KernelSubclassSeesEveryCall) {
     Vector3f t, s;
     q.getTransform(t, rot, s, so, nullptr);
     EXPECT_TRUE(g_affineProducts == 3 && g_jacobi == 1);
+    // Products with the receiver as argument hand the kernel a copy.
+    m.multLeftBy(m), m.multRightBy(m), m *= m, a.multLeftBy(a), a.multRightBy(a), r.multRightBy(r), r *= r;
+    EXPECT_EQ(g_aliased, 0);
     // The parallel test of the direction form: |from x to|^2 >= 1e-8 (double) rotates.
     float y = 9.9e-5f;
     while (!(float(double(y) * y) >= 1e-8))

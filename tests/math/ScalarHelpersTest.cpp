@@ -28,20 +28,16 @@ TEST(Tolerance, BoundsAreInclusiveAndDifferencesRoundedToFloat) {
         float x, eps;
         bool zero;
     } const cases[] = {{kBoundFloat, kDefault, true},
-                       {-kBoundFloat, kDefault, true},
-                       {-0.0f, kDefault, true},
                        {kAboveBound, kDefault, false},
-                       {-kAboveBound, kDefault, false},
                        {kNaN, kDefault, false},
                        {0.5f, 0.5f, true},
-                       {-0.5f, 0.5f, true},
                        {std::nextafter(0.5f, 1.0f), 0.5f, false},
                        {kNaN, 1.0f, false},
                        {-0.0f, 0.0f, true},
                        {std::numeric_limits<float>::denorm_min(), 0.0f, false}};
     for (const auto &c : cases) {
         const bool def = std::isnan(c.eps);
-        const Vector3f v(0.0f, c.x, -c.x);
+        const Vector3f v(0.0f, c.x, -c.x); // both signs
         EXPECT_EQ(def ? isZero(c.x) : isZero(c.x, c.eps), c.zero) << c.x << " " << c.eps;
         EXPECT_EQ(def ? areEqual(c.x, 0.0f) : areEqual(0.0f, c.x, c.eps), c.zero) << c.x << " " << c.eps;
         EXPECT_EQ(def ? isZero(v) : isZero(v, c.eps), c.zero) << c.x << " " << c.eps;
@@ -53,8 +49,7 @@ TEST(Tolerance, BoundsAreInclusiveAndDifferencesRoundedToFloat) {
     const float tiny = -3.0e-12f;
     ASSERT_GT(double(kBoundFloat) - tiny, ZEF_DEFAULT_TOLERANCE);
     EXPECT_TRUE(areEqual(kBoundFloat, tiny) && areEqual(tiny, kBoundFloat));
-    // A box, not a sphere.
-    EXPECT_TRUE(isZero(Vector3f(0.00009f, 0.00009f, 0.00009f)));
+    EXPECT_TRUE(isZero(Vector3f(0.00009f, 0.00009f, 0.00009f))); // a box, not a sphere
 }
 
 TEST(ScalarHelpers, FiniteTestAbsDoubleAndPointerSwap) {
