@@ -84,7 +84,7 @@ TEST(PlaneFigureQueries, AxisParallelSegmentForms) {
     EXPECT_TRUE(inter2dSegmentHorizontalSegment(c, d, 2, -1, std::nextafter(1.0f, 0.0f), out) == e_geomNone &&
                 out == 1.0f);
     EXPECT_TRUE(inter2dSegmentHorizontalLine(c, d, 3, out) == e_geomPoint && out == 1.5f);
-    const float e[2] = {-6.7f, 8.6f}, f[2] = {3.7f, -9.7f}, value = -1.5f, dx = float(double(f[0]) - e[0]);
+    const float e[2] = {7.7f, 2.7f}, f[2] = {-2.7f, -8.2f}, value = 2.5f, dx = float(double(f[0]) - e[0]);
     const float expected = float(double(e[1]) + (double(value) - e[0]) * (double(f[1]) - e[1]) / dx);
     ASSERT_EQ(inter2dSegmentVerticalLine(e, f, value, out), e_geomPoint);
     EXPECT_TRUE(out == expected && out != e[1] + (value - e[0]) * (f[1] - e[1]) / dx);
