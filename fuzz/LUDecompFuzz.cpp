@@ -15,7 +15,12 @@ namespace {
 enum Shape { Any, Upper, Diagonal, Permutation };
 
 double pickDouble(FuzzInput &in) {
-    if (in.range(0, 7) != 0)
+    const int kind = in.range(0, 7), step = in.range(-1, 1);
+    if (kind == 1) { // a bound of the solver or its neighbouring double
+        const double bound = in.flag() ? 0.0001 : in.flag() ? 0.00001 : 0.000001;
+        return step == 0 ? bound : std::nextafter(bound, double(step));
+    }
+    if (kind != 0)
         return double(in.anyFloat());
     const uint64_t high = in.u32();
     return FuzzInput::bitCast<double>(high << 32 | in.u32());

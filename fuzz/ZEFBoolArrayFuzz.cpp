@@ -92,12 +92,13 @@ void step(FuzzInput &in, Probe *arrays, Model *models) {
         }
         kind == 1 ? void(static_cast<B &>(a) = b) : a.copy(value ? a : b, kind == 2);
         m = models[kind > 1 && value ? which : 1 - which];
-    } else if (op == 6) { // insert, erase, resize
-        kind < 2 ? a.insert(i, value) : kind < 4 ? a.erase(i) : a.resize(i + 4, value);
+    } else if (op == 6) { // insert, erase (mostly inside), resize
+        const int at = kind < 4 ? i % (n + 2) - 1 : i + 4;
+        kind < 2 ? a.insert(at, value) : kind < 4 ? a.erase(at) : a.resize(at, value);
         if (kind >= 4)
-            m.resize(size_t(i + 4), value);
-        else if (i >= 0 && i < n)
-            kind < 2 ? void(m.insert(m.begin() + i, value)) : void(m.erase(m.begin() + i));
+            m.resize(size_t(at), value);
+        else if (at >= 0 && at < n)
+            kind < 2 ? void(m.insert(m.begin() + at, value)) : void(m.erase(m.begin() + at));
     } else if (op == 7) {
         a.clearArray();
         m.clear();

@@ -28,11 +28,9 @@ TEST(Plugin, KernelSubclassIsInstalledAndUsedByMatrixProducts) {
     ASSERT_NE(plugin, nullptr);
     EXPECT_TRUE(pluginOwnsKernel(made));
     EXPECT_EQ(typeid(*made), typeid(PluginKernel));
-    EXPECT_NE(typeid(*made), typeid(EnhancedMathFunctions));
 
     made->setDefault(); // destroys the built-in kernel
     ASSERT_EQ(EnhancedMathFunctions::getCurrent(), made);
-    EXPECT_NE(dynamic_cast<PluginKernel *>(EnhancedMathFunctions::getCurrent()), nullptr);
     const Matrix4f product = a * b;
     EXPECT_EQ(plugin->products(), 1);
     for (int i = 0; i < 16; ++i)
