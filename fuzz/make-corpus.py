@@ -5,7 +5,7 @@ import os
 import random
 
 TARGETS = {  # name: (number of files, bytes per file)
-    "ZEFBoolArrayFuzz": (6, 400),
+    "ZEFBoolArrayFuzz": (6, 2000),
     "IDGeneratorFuzz": (6, 300),
     "ZEFPtrDListFuzz": (6, 400),
     "ZEFKeyArrayFuzz": (6, 300),
