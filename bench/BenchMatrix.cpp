@@ -295,6 +295,19 @@ void zefInverse(benchmark::State &state) {
     perItem(state, kBatch, "inverse");
 }
 
+// Chained: each inverse is the next one's input, so the row times the latency
+// of one inverse instead of the throughput of independent ones. Inverting twice
+// gives back about the matrix, so the values stay where they started.
+template <class M, class Invert>
+void chainedInverse(benchmark::State &state, M m, Invert invert) {
+    for (auto _ : state) {
+        for (int k = 0; k < kBatch; ++k)
+            m = invert(m);
+        zefbench::consume(m);
+    }
+    perItem(state, kBatch, "inverse");
+}
+
 // ---- points through a projective matrix --------------------------------------------
 void zefPoints(benchmark::State &state) {
     const Matrix4f m(data().projection);
@@ -682,6 +695,13 @@ const bool registered = [] {
     add("points_1M_projective", "zef:multRightVec3f", zefPoints)->Unit(benchmark::kMillisecond);
     add("quat_product", "zef:Quaternion::operator*", zefQuatProduct);
     add("quat_to_matrix", "zef:Quaternion::getValue(MatRot4f&)", zefQuatToMatrix);
+    add("mat4_inverse_chained", "zef:Matrix4f::inverse", [](benchmark::State &state) {
+        chainedInverse(state, Matrix4f(data().regular.data()), [](Matrix4f m) {
+            bool ok = false;
+            m.inverse(ok);
+            return m;
+        });
+    });
     // The same routes with a kernel that does no arithmetic: the calls alone.
     add("mat4_product", "zef:floor of multLeftBy (calls only)", floorOf<zefMultLeftBy>);
     add("mat4_product", "zef:floor of operator* (calls only)", floorOf<zefOperatorProduct>);
@@ -694,35 +714,48 @@ const bool registered = [] {
 #if ZEF_BENCH_HAVE_GLM
     add("mat4_product", "glm:operator*", glmProduct);
     add("mat4_inverse", "glm:inverse", glmInverse);
+    add("mat4_inverse_chained", "glm:inverse", [](benchmark::State &state) {
+        chainedInverse(state, glm::make_mat4(data().regular.data()),
+                       [](const glm::mat4 &m) { return glm::inverse(m); });
+    });
     add("points_1M_projective", "glm:mat4*vec4,divide", glmPoints)->Unit(benchmark::kMillisecond);
     add("quat_product", "glm:operator*", glmQuatProduct);
     add("quat_to_matrix", "glm:mat4_cast", glmQuatToMatrix);
 #else
-    for (const char *c :
-         {"mat4_product", "mat4_inverse", "points_1M_projective", "quat_product", "quat_to_matrix"})
+    for (const char *c : {"mat4_product", "mat4_inverse", "mat4_inverse_chained", "points_1M_projective",
+                          "quat_product", "quat_to_matrix"})
         missing(c, "glm", "GLM");
 #endif
 #if ZEF_BENCH_HAVE_EIGEN
     add("mat4_product", "eigen:Matrix4f*", eigenProduct);
     add("mat4_inverse", "eigen:Matrix4f::inverse", eigenInverse);
+    add("mat4_inverse_chained", "eigen:Matrix4f::inverse", [](benchmark::State &state) {
+        chainedInverse(state, Eigen::Matrix4f(Eigen::Map<const Eigen::Matrix4f>(data().regular.data())),
+                       [](const Eigen::Matrix4f &m) -> Eigen::Matrix4f { return m.inverse(); });
+    });
     add("points_1M_projective", "eigen:homogeneous,hnormalized", eigenPoints)->Unit(benchmark::kMillisecond);
     add("quat_product", "eigen:Quaternionf*", eigenQuatProduct);
     add("quat_to_matrix", "eigen:toRotationMatrix", eigenQuatToMatrix);
 #else
-    for (const char *c :
-         {"mat4_product", "mat4_inverse", "points_1M_projective", "quat_product", "quat_to_matrix"})
+    for (const char *c : {"mat4_product", "mat4_inverse", "mat4_inverse_chained", "points_1M_projective",
+                          "quat_product", "quat_to_matrix"})
         missing(c, "eigen", "Eigen");
 #endif
 #if ZEF_BENCH_HAVE_IMATH
     add("mat4_product", "imath:M44f*", imathProduct);
     add("mat4_inverse", "imath:M44f::inverse", imathInverse<false>);
     add("mat4_inverse", "imath:M44f::gjInverse", imathInverse<true>);
+    add("mat4_inverse_chained", "imath:M44f::inverse", [](benchmark::State &state) {
+        Imath::M44f m;
+        std::memcpy(m.getValue(), data().regular.data(), 16 * sizeof(float));
+        chainedInverse(state, m, [](const Imath::M44f &x) { return x.inverse(); });
+    });
     add("points_1M_projective", "imath:multVecMatrix", imathPoints)->Unit(benchmark::kMillisecond);
     add("quat_product", "imath:Quatf*", imathQuatProduct);
     add("quat_to_matrix", "imath:toMatrix44", imathQuatToMatrix);
 #else
-    for (const char *c :
-         {"mat4_product", "mat4_inverse", "points_1M_projective", "quat_product", "quat_to_matrix"})
+    for (const char *c : {"mat4_product", "mat4_inverse", "mat4_inverse_chained", "points_1M_projective",
+                          "quat_product", "quat_to_matrix"})
         missing(c, "imath", "Imath");
 #endif
     return true;
