@@ -21,21 +21,16 @@ IDList *headOf(IDGenerator &gen) {
 // What the random sequence below leaves out: touching intervals, the top of the range,
 // exhaustion.
 TEST(IDGenerator, TouchingIntervalsRangeEndAndExhaustion) {
-    IDGenerator gen;
+    IDGenerator gen, wide, full;
     for (int i = 1; i <= 8; ++i)
         EXPECT_EQ(gen.generateID(), i);
     EXPECT_TRUE(gen.freeID(5) && gen.freeID(7) && gen.freeID(6)); // 6 joins 5; touches 7, not merged
     EXPECT_TRUE(gen.freeID(7)); // free, but the end of the interval below: accepted again
     for (int expected : {5, 6, 7, 7, 9})
         EXPECT_EQ(gen.generateID(), expected);
-    EXPECT_EQ(gen.generateID(kLastID), kLastID);
-    EXPECT_FALSE(gen.freeID(kLastID + 1));
-    IDGenerator wide;
-    EXPECT_TRUE(wide.freeID(2147483647)); // the interval's end passes the int range
-    EXPECT_EQ(wide.generateID(), 1);
-
-    IDGenerator full;
-    headOf(full)->m_first = kLastID; // as after handing out 1 to kLastID - 1
+    EXPECT_TRUE(gen.generateID(kLastID) == kLastID && !gen.freeID(kLastID + 1));
+    EXPECT_TRUE(wide.freeID(kLastID + 1) && wide.generateID() == 1); // an end past the int range
+    headOf(full)->m_first = kLastID;                                 // as after handing out 1 to kLastID - 1
     headOf(full)->m_count = 1;
     EXPECT_EQ(full.generateID(), kLastID);
     EXPECT_TRUE(full.generateID() == -1 && full.generateID(7) == -1 && full.generateID(kLastID) == -1);
@@ -63,8 +58,7 @@ TEST(IDGenerator, RandomSequenceMatchesSetOfFreeIDs) {
             const int expected = op < 30 || !freeIds.count(id) ? *freeIds.begin() : id;
             ASSERT_EQ(op < 30 ? gen.generateID() : gen.generateID(id), expected) << step;
             freeIds.erase(expected);
-        } else if (op < 96) {
-            // A free id whose lower neighbour is free may end a touching interval: left out.
+        } else if (op < 96) { // a free id next to a free one may end a touching interval: left out
             const bool isFree = freeIds.count(id) != 0;
             if (isFree && id > 0 && freeIds.count(id - 1))
                 continue;

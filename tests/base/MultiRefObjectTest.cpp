@@ -21,6 +21,9 @@ public:
     int count() const { return m_refCount; }
     void setCount(int count) { m_refCount = count; }
 };
+struct TestPtr : CountedPtrBase {
+    using CountedPtrBase::ref, CountedPtrBase::unref;
+};
 
 // Every mode (7: unknown) on counts around zero, with or without another owner leaving
 // inside the scope. e_autoDelete resolves from the count read before the holder's own
@@ -52,53 +55,45 @@ void checkHolder(int takes) {
 }
 } // namespace
 
+// ref, unref, unrefNoDelete, deleteIfNotRef, then ref and unref through a counted pointer
+// (which ignores null), on counts around zero and at the wrap.
 TEST(MultiRefObject, OnlyExactZeroDeletesAndCopiesCarryTheCount) {
-    g_destroyed = 0;
-    Counted *a = new Counted, *b = new Counted, *c = new Counted;
-    a->ref();
-    a->unref();
-    b->ref();
-    b->deleteIfNotRef(); // count 1: nothing
-    b->unrefNoDelete();
-    EXPECT_EQ(g_destroyed, 1);
-    b->deleteIfNotRef();
-    c->unref(); // 0 -> -1: below zero never deletes
-    c->deleteIfNotRef();
-    EXPECT_TRUE(c->count() == -1 && g_destroyed == 2);
-    c->setCount(INT_MAX);
-    c->ref(); // wraps, no overflow
-    EXPECT_EQ(c->count(), INT_MIN);
-    c->unrefNoDelete();
-    EXPECT_EQ(c->count(), INT_MAX);
-    c->setCount(3);
-    Counted copy(*c), target;
+    TestPtr ptr;
+    ptr.ref(nullptr), ptr.unref(nullptr);
+    for (int count : {-1, 0, 1, 2, INT_MAX, INT_MIN})
+        for (int op = 0; op < 6; ++op) {
+            g_destroyed = 0;
+            Counted *a = new Counted;
+            a->setCount(count);
+            op == 0   ? a->ref()
+            : op == 1 ? a->unref()
+            : op == 2 ? a->unrefNoDelete()
+            : op == 3 ? a->deleteIfNotRef()
+            : op == 4 ? ptr.ref(a)
+                      : ptr.unref(a);
+            const int left = int(unsigned(count) + (op % 4 == 0 ? 1u : op == 3 ? 0u : ~0u));
+            const bool deleted = (op & 1) && left == 0;
+            EXPECT_EQ(g_destroyed, int(deleted)) << count << " " << op;
+            if (!deleted) {
+                EXPECT_EQ(a->count(), left) << count << " " << op;
+                delete a;
+            }
+        }
+    Counted c, target;
+    c.setCount(3);
+    Counted copy(c);
     EXPECT_EQ(copy.count(), 3);
     copy = target;
     EXPECT_EQ(copy.count(), 0);
-    delete c;
-
     ZEFArray<Counted *> owned; // deletePtrArray skips nulls and keeps the size
     for (Counted *p : {new Counted, static_cast<Counted *>(nullptr), new Counted})
         owned.push_back(p);
     deletePtrArray(owned);
-    EXPECT_TRUE(g_live == 2 && owned.size() == 3);
+    EXPECT_TRUE(g_live == 3 && owned.size() == 3);
 }
 
 TEST(MultiRefObject, HoldersTakeOrAdoptOneReference) {
     checkHolder<AutoRefUnref>(1);
     checkHolder<MultiRefObject::AutoRefUnref>(1);
     checkHolder<AutoUnref>(0); // adopts the caller's reference
-
-    struct TestPtr : CountedPtrBase { // null ignored, unref deletes at zero
-        using CountedPtrBase::ref, CountedPtrBase::unref;
-    } ptr;
-    ptr.ref(nullptr);
-    ptr.unref(nullptr);
-    Counted *b = new Counted;
-    ptr.ref(b);
-    ptr.ref(b);
-    ptr.unref(b);
-    EXPECT_EQ(b->count(), 1);
-    ptr.unref(b);
-    EXPECT_EQ(g_live, 0);
 }

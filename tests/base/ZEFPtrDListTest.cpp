@@ -11,13 +11,15 @@
 
 namespace {
 int g_pool[5];
+using Links = std::vector<s_ZEFPtrDListElement *>;
 
-// Returns the elements from the first along the next links, at most limit + 1 of them:
-// a cycle cannot hang the test.
-std::vector<s_ZEFPtrDListElement *> chain(ZEFPtrDList &list, std::size_t limit) {
-    std::vector<s_ZEFPtrDListElement *> out;
-    for (s_ZEFPtrDListElement *e = list.getElement(0); e && out.size() <= limit; e = e->m_next)
-        out.push_back(e);
+// Returns the elements along the next links, or along the prev links from the last (in list
+// order), at most limit + 1 of them: a cycle cannot hang the test.
+Links chain(ZEFPtrDList &list, std::size_t limit, bool back = false) {
+    Links out;
+    for (auto *e = list.getElement(back ? list.size() - 1 : 0); e && out.size() <= limit;
+         e = back ? e->m_prev : e->m_next)
+        out.insert(back ? out.begin() : out.end(), e);
     return out;
 }
 
@@ -28,16 +30,14 @@ void expectMatches(ZEFPtrDList &list, const std::list<void *> &model, int cursor
     const int n = int(items.size());
     ASSERT_TRUE(list.size() == n && list.isEmpty() == (n == 0) &&
                 list.getCurrentPosition() == (n ? cursor : -1));
-    ASSERT_EQ(list.getCurrentData(), n ? items[cursor] : nullptr);
-    ASSERT_TRUE(list.getFirstData() == (n ? items.front() : nullptr) &&
+    ASSERT_TRUE(list.getCurrentData() == (n ? items[cursor] : nullptr) &&
+                list.getFirstData() == (n ? items.front() : nullptr) &&
                 list.getLastData() == (n ? items.back() : nullptr));
-    std::vector<void *> forward, backward;
-    for (s_ZEFPtrDListElement *e : chain(list, items.size()))
-        forward.push_back(e->m_data);
-    for (const s_ZEFPtrDListElement *e = list.getElement(n - 1); e && backward.size() <= items.size();
-         e = e->m_prev)
-        backward.insert(backward.begin(), e->m_data);
-    ASSERT_TRUE(forward == items && backward == items);
+    const Links forward = chain(list, items.size());
+    std::vector<void *> data;
+    for (s_ZEFPtrDListElement *e : forward)
+        data.push_back(e->m_data);
+    ASSERT_TRUE(data == items && chain(list, items.size(), true) == forward);
     ASSERT_TRUE(n == 0 || list.goToPosition(cursor));
 }
 } // namespace
@@ -60,7 +60,7 @@ TEST(ZEFPtrDList, RandomSequenceMatchesListAndCursor) {
         const int where = int(std::distance(model.begin(), found)); // n if not stored
         const bool valid = pos >= 0 && pos < n;
         bool expected = n > 0, result = false;
-        std::vector<s_ZEFPtrDListElement *> elements;
+        Links elements;
         if (op == 0) {
             result = list.prepend(p), expected = true, model.push_front(p), cur = n ? cur + 1 : 0;
         } else if (op == 1) {
@@ -71,11 +71,8 @@ TEST(ZEFPtrDList, RandomSequenceMatchesListAndCursor) {
                 model.insert(at(pos), p), cur = pos == 0 ? cur + 1 : pos == n ? cur : pos;
         } else if (op == 3 || op == 4) {
             s_ZEFPtrDListElement *e = op == 4 ? list.getElement(pos) : nullptr;
-            ASSERT_EQ(op == 3 ? list.getData(pos)
-                      : e     ? e->m_data
-                              : nullptr,
-                      valid ? *at(pos) : nullptr)
-                << step;
+            void *got = op == 3 ? list.getData(pos) : e ? e->m_data : nullptr;
+            ASSERT_EQ(got, valid ? *at(pos) : nullptr) << step;
             result = expected = valid, cur = valid ? pos : cur;
         } else if (op == 5 || op == 6) {
             result = op == 5 ? list.goToStart() : list.goToEnd(), cur = op == 5 && n ? 0 : n - 1;
@@ -119,7 +116,7 @@ TEST(ZEFPtrDList, RandomSequenceMatchesListAndCursor) {
         }
         ASSERT_EQ(result, expected) << step << " op " << op;
         expectMatches(list, model, cur);
-        ASSERT_FALSE(::testing::Test::HasFatalFailure()) << step << " op " << op;
+        ASSERT_FALSE(HasFatalFailure()) << step << " op " << op;
         ASSERT_TRUE(op != 11 ||
                     (chain(list, model.size()) == elements && (n == 0 || list.goToPosition(cur))));
     }
