@@ -1,7 +1,6 @@
-// Fuzz target: BinarySort over up to 64 rows built from records (addItem) and
-// single-byte columns (addColumn), checked against std::stable_sort of the row
-// numbers by their bytes; getUniqueRows on the sorted order and on an arbitrary one.
-// Every buffer has exactly its documented size, for the address sanitizer.
+// Fuzz target: BinarySort over up to 64 rows built from records (addItem) and single-byte columns
+// (addColumn), checked against std::stable_sort of the row numbers by their bytes; getUniqueRows on
+// the sorted order and on an arbitrary one. Every buffer has exactly its documented size.
 #include "FuzzInput.h"
 #include "zefcore/base/BinarySort.h"
 
@@ -9,56 +8,38 @@
 #include <numeric>
 #include <vector>
 
-namespace {
-
-using Rows = std::vector<std::vector<unsigned char>>;
-
-void checkUnique(const BinarySort &sorter, const Rows &rows, const std::vector<int> &order) {
-    const int n = int(order.size());
-    std::vector<unsigned char> flags(size_t(n + 7) / 8 + (n == 0), 0xA5),
-        want(flags.size(), n == 0 ? 0xA5 : 0);
-    int runs = 0;
-    for (int i = 0; i < n; ++i)
-        if (i == 0 || rows[size_t(order[size_t(i - 1)])] != rows[size_t(order[size_t(i)])]) {
-            want[size_t(i / 8)] = static_cast<unsigned char>(want[size_t(i / 8)] | (1 << (i & 7)));
-            ++runs;
-        }
-    FUZZ_CHECK(sorter.getUniqueRows(n, order.data(), flags.data()) == runs && flags == want);
-}
-
-} // namespace
+using Bytes = std::vector<unsigned char>;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     FuzzInput in(data, size);
-    const int numRows = in.range(0, 64);
-    const uint8_t mask = in.flag()   ? 0x01
-                         : in.flag() ? 0x83
-                                     : 0xFF; // a small alphabet makes equal rows likely
+    const int n = in.range(0, 64);
+    const uint8_t mask = in.flag() ? 0x01 : in.flag() ? 0x83 : 0xFF; // small alphabets make equal rows likely
     BinarySort sorter;
-    std::vector<std::vector<unsigned char>> arrays(size_t(in.range(0, 5))); // the caller's data
-    Rows rows(static_cast<size_t>(numRows));
-    for (std::vector<unsigned char> &bytes : arrays) {
-        const unsigned int record = in.flag() ? 1u : unsigned(in.range(1, 6));
-        bytes.resize(size_t(numRows) * record);
+    std::vector<Bytes> arrays(in.range(0, 5)), rows(n); // the caller's data; each row's bytes
+    for (Bytes &bytes : arrays) {
+        const int record = in.flag() ? 1 : in.range(1, 6);
+        bytes.resize(n * record);
         for (unsigned char &b : bytes)
             b = static_cast<unsigned char>(in.byte() & mask);
-        if (record == 1 && in.flag())
-            sorter.addColumn(bytes.data());
-        else
-            sorter.addItem(bytes.data(), record);
-        for (size_t r = 0; r < size_t(numRows); ++r)
-            rows[r].insert(rows[r].end(), bytes.begin() + long(r * record),
-                           bytes.begin() + long((r + 1) * record));
+        record == 1 && in.flag() ? sorter.addColumn(bytes.data())
+                                 : sorter.addItem(bytes.data(), unsigned(record));
+        for (int r = 0; r < n; ++r)
+            rows[r].insert(rows[r].end(), bytes.begin() + r * record, bytes.begin() + (r + 1) * record);
     }
-    std::vector<int> order(size_t(numRows), -7), want(static_cast<size_t>(numRows));
-    sorter.sort(numRows, order.data());
+    std::vector<int> order(n, -7), want(n);
+    sorter.sort(n, order.data());
     std::iota(want.begin(), want.end(), 0);
-    std::stable_sort(want.begin(), want.end(),
-                     [&](int a, int b) { return rows[size_t(a)] < rows[size_t(b)]; });
+    std::stable_sort(want.begin(), want.end(), [&](int a, int b) { return rows[a] < rows[b]; });
     FUZZ_CHECK(order == want);
-    checkUnique(sorter, rows, order);
-    for (int &r : order) // only adjacent rows are compared
-        r = in.range(0, numRows - 1);
-    checkUnique(sorter, rows, order);
+    for (int pass = 0; pass < 2; ++pass) { // only adjacent rows are compared
+        Bytes flags(size_t(n + 7) / 8 + (n == 0), 0xA5), expect(flags.size(), n == 0 ? 0xA5 : 0);
+        int runs = 0;
+        for (int i = 0; i < n; ++i)
+            if (i == 0 || rows[order[i - 1]] != rows[order[i]])
+                expect[i / 8] = static_cast<unsigned char>(expect[i / 8] | 1 << (i & 7)), ++runs;
+        FUZZ_CHECK(sorter.getUniqueRows(n, order.data(), flags.data()) == runs && flags == expect);
+        for (int &r : order)
+            r = in.range(0, n - 1);
+    }
     return 0;
 }
