@@ -9,10 +9,6 @@ void PluginKernel::multMatrices(float *const out, float const *const a, float co
     EnhancedMathFunctions::multMatrices(out, a, b);
 }
 
-int PluginKernel::products() const {
-    return m_products;
-}
-
 PluginKernel::~PluginKernel() = default;
 
 PluginActivityMgr::PluginActivityMgr() = default;
@@ -34,10 +30,6 @@ bool PluginProjector::project(Vector3f &out, const ZEFLine &line) {
     return PlaneProjector::project(out, line);
 }
 
-int PluginProjector::projections() const {
-    return m_projections;
-}
-
 EnhancedMathFunctions *createPluginKernel() {
     return new PluginKernel;
 }
@@ -55,16 +47,9 @@ PlaneProjector *createPluginProjector() {
 }
 
 const std::type_info &baseTypeSeenByPlugin(int which) {
-    switch (which) {
-    case 0:
-        return typeid(EnhancedMathFunctions);
-    case 1:
-        return typeid(ZEFActivityMgr);
-    case 2:
-        return typeid(MultiRefObject);
-    default:
-        return typeid(PlaneProjector);
-    }
+    const std::type_info *const types[] = {&typeid(EnhancedMathFunctions), &typeid(ZEFActivityMgr),
+                                           &typeid(MultiRefObject), &typeid(PlaneProjector)};
+    return *types[which];
 }
 
 bool pluginOwnsKernel(const EnhancedMathFunctions *kernel) {

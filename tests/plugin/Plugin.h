@@ -16,7 +16,7 @@
 class PLUGIN_API PluginKernel : public EnhancedMathFunctions {
 public:
     void multMatrices(float *const out, float const *const a, float const *const b) const override;
-    int products() const;
+    int products() const { return m_products; }
 
 protected:
     ~PluginKernel() override;
@@ -46,7 +46,7 @@ public:
 class PLUGIN_API PluginProjector : public PlaneProjector {
 public:
     bool project(Vector3f &out, const ZEFLine &line) override;
-    int projections() const;
+    int projections() const { return m_projections; }
 
 private:
     int m_projections = 0;
