@@ -68,4 +68,3 @@ bool Mat4fBase::equals(const Mat4fBase &other, float tolerance) const {
     }
     return true;
 }
-

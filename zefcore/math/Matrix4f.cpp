@@ -118,4 +118,3 @@ Matrix4f operator*(float s, const Mat4fBase &m) {
     EnhancedMathFunctions::getCurrent()->multMatrixScalar(result.getValue(), m.getValue(), s);
     return result;
 }
-
