@@ -1,6 +1,6 @@
-// Matrix4f and the free operators on Mat4fBase. The kernel's multMatrices and
-// transpose must not write an operand, so the in-place operations hand it a
-// local copy of the sixteen floats.
+// Matrix4f and the free operators on Mat4fBase that are not defined in the
+// header. The kernel's transpose must not write an operand, so the in-place
+// transpose hands it a local copy of the sixteen floats.
 #include "zefcore/math/Matrix4f.h"
 
 #include <cstring>
